@@ -1,0 +1,47 @@
+// Property-list files: reading (XML or binary) and writing (XML) through libplist.
+//
+// Every write goes to a temporary file in the target's folder and is renamed over the
+// target, so a crash or a full disk never leaves a torn file behind; the last writer wins.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/plist/value.h"
+
+namespace varno::plist {
+
+// Larger files are refused before they are read: nothing this system stores comes near it.
+inline constexpr std::size_t kMaxFileSize = 64u * 1024 * 1024;
+// Deeper nesting is refused before libplist sees it (its writer and its free recurse).
+inline constexpr int kMaxDepth = 512;
+
+// Parses an XML or binary property list held in memory. On failure returns nullopt and,
+// when `error` is given, says why.
+std::optional<Value> Parse(std::string_view bytes, std::string* error = nullptr);
+
+// Renders a value as an XML property list. Fails (nullopt) only for values nested deeper
+// than kMaxDepth.
+std::optional<std::string> ToXML(const Value& value, std::string* error = nullptr);
+
+// Reads a whole property-list file. Missing, unreadable, oversized, truncated, non-plist
+// and too-deeply nested files give nullopt with a message naming the file.
+std::optional<Value> ReadFile(const std::filesystem::path& path, std::string* error = nullptr);
+
+// Reads a file whose root must be a dictionary.
+std::optional<Dictionary> ReadDictionaryFile(const std::filesystem::path& path,
+                                             std::string* error = nullptr);
+
+// Writes the value as an XML property list, replacing the file atomically. On failure the
+// previous file is left as it was and false is returned.
+bool WriteFile(const std::filesystem::path& path, const Value& value,
+               std::string* error = nullptr);
+
+// Replaces the file's contents atomically (temporary file in the same folder, fsync,
+// rename). On failure the previous file is left as it was.
+bool ReplaceFileContents(const std::filesystem::path& path, std::string_view bytes,
+                         std::string* error = nullptr);
+
+}  // namespace varno::plist
