@@ -134,8 +134,7 @@ class Value {
   Value(Data d) : storage_(std::move(d)) {}
   Value(Array a) : storage_(std::move(a)) {}
   Value(Dictionary d) : storage_(std::move(d)) {}
-  // Every integer type is stored as signed 64 bits; unsigned values above that range are
-  // refused at compile time by the caller's cast, not silently wrapped here.
+  // Every integer type is stored as signed 64 bits, the range property lists hold.
   template <typename I,
             std::enable_if_t<std::is_integral_v<I> && !std::is_same_v<I, bool>, int> = 0>
   Value(I i) : storage_(static_cast<std::int64_t>(i)) {}

@@ -1,0 +1,196 @@
+#include "platform/plist/file.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+
+#include "support/temp_dir.h"
+
+namespace varno::plist {
+namespace {
+
+using varno::testing::ReadAll;
+using varno::testing::TempDir;
+
+Dictionary EveryKind() {
+  return Dictionary{
+      {"String", "Grüße, 日本 & <tags>"},
+      {"Empty", ""},
+      {"Integer", -2147483648LL},
+      {"Big", INT64_MAX},
+      {"Small", INT64_MIN},
+      {"Real", 0.1},
+      {"Tiny", 1.0e-300},
+      {"True", true},
+      {"False", false},
+      {"Date", Date{-978307200}},  // 1970-01-01
+      {"Data", Data{0, 1, 2, 0xff, '<'}},
+      {"EmptyData", Data{}},
+      {"Array", Array{1, "two", Array{3.5, Dictionary{}}, Array{}}},
+      {"Nested", Dictionary{{"Inner", Dictionary{{"Deep", Array{false}}}}}},
+  };
+}
+
+TEST(PropertyListFiles, EveryKindRoundTripsThroughAFile) {
+  TempDir dir;
+  Dictionary original = EveryKind();
+  std::string error;
+  ASSERT_TRUE(WriteFile(dir / "all.plist", original, &error)) << error;
+  std::optional<Dictionary> back = ReadDictionaryFile(dir / "all.plist", &error);
+  ASSERT_TRUE(back) << error;
+  EXPECT_EQ(*back, original);
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : *back) keys.push_back(key);
+  EXPECT_EQ(keys.front(), "String");
+  EXPECT_EQ(keys.back(), "Nested") << "the file keeps the dictionary's order";
+}
+
+TEST(PropertyListFiles, DatesKeepWholeSecondsOnly) {
+  std::optional<std::string> xml = ToXML(Value(Date{123456789.75}));
+  ASSERT_TRUE(xml);
+  std::optional<Value> back = Parse(*xml);
+  ASSERT_TRUE(back && back->asDate());
+  EXPECT_EQ(back->asDate()->seconds, 123456789.0);
+  EXPECT_FALSE(ToXML(Value(Date{1e12}))) << "beyond what the file form holds";
+}
+
+TEST(PropertyListFiles, BinaryFilesAreReadToo) {
+  // A minimal binary property list: bplist00, one boolean true, the offset table and trailer.
+  const unsigned char bytes[] = {'b', 'p', 'l', 'i', 's', 't', '0', '0', 0x09, 0x08,
+                                 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0, 0, 1,
+                                 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 9};
+  std::optional<Value> v =
+      Parse(std::string_view(reinterpret_cast<const char*>(bytes), sizeof bytes));
+  ASSERT_TRUE(v);
+  EXPECT_EQ(*v, Value(true));
+}
+
+TEST(DamagedFiles, EachGivesAClearErrorNamingTheFile) {
+  TempDir dir;
+  std::optional<std::string> good = ToXML(EveryKind());
+  ASSERT_TRUE(good);
+  struct Case {
+    const char* name;
+    std::string contents;
+    const char* says;
+  } cases[] = {
+      {"empty.plist", "", "is empty"},
+      {"truncated.plist", good->substr(0, good->size() / 2), "not a well-formed"},
+      {"text.plist", "this is not a property list\n", "not a well-formed"},
+      {"html.plist", "<html><body>nope</body></html>", "not a well-formed"},
+      {"binary-junk.plist", std::string("bplist00\x01\x02\x03", 11), "damaged binary"},
+  };
+  for (const Case& c : cases) {
+    std::filesystem::path file = dir.write(c.name, c.contents);
+    std::string error;
+    EXPECT_FALSE(ReadFile(file, &error)) << c.name;
+    EXPECT_NE(error.find(file.string()), std::string::npos) << error;
+    EXPECT_NE(error.find(c.says), std::string::npos) << c.name << ": " << error;
+  }
+  std::string error;
+  EXPECT_FALSE(ReadFile(dir / "missing.plist", &error));
+  EXPECT_NE(error.find("No such file"), std::string::npos) << error;
+  EXPECT_FALSE(ReadFile(dir.path(), &error));
+  EXPECT_NE(error.find("not a regular file"), std::string::npos) << error;
+}
+
+TEST(DamagedFiles, WrongRootTypeIsRefusedForDictionaryFiles) {
+  TempDir dir;
+  ASSERT_TRUE(WriteFile(dir / "array.plist", Array{1, 2}));
+  std::string error;
+  EXPECT_FALSE(ReadDictionaryFile(dir / "array.plist", &error));
+  EXPECT_NE(error.find("root is array"), std::string::npos) << error;
+  EXPECT_TRUE(ReadFile(dir / "array.plist"));
+}
+
+TEST(DamagedFiles, HugeFileIsRefusedWithoutReadingIt) {
+  TempDir dir;
+  std::filesystem::path file = dir / "huge.plist";
+  { std::ofstream(file) << "<?xml"; }
+  std::filesystem::resize_file(file, 100u * 1024 * 1024);  // sparse: costs no disk
+  std::string error;
+  EXPECT_FALSE(ReadFile(file, &error));
+  EXPECT_NE(error.find("too large"), std::string::npos) << error;
+}
+
+TEST(DamagedFiles, DeepNestingIsRefusedBeforeParsing) {
+  std::string xml = "<?xml version=\"1.0\"?><plist version=\"1.0\">";
+  for (int i = 0; i < 100000; ++i) xml += "<array>";
+  for (int i = 0; i < 100000; ++i) xml += "</array>";
+  xml += "</plist>";
+  std::string error;
+  EXPECT_FALSE(Parse(xml, &error));
+  EXPECT_NE(error.find("nested deeper"), std::string::npos) << error;
+
+  // Empty containers and moderate depth are fine.
+  std::string ok = "<plist version=\"1.0\"><array><array/><dict/><array><dict>"
+                   "<key>k</key><array></array></dict></array></array></plist>";
+  EXPECT_TRUE(Parse(ok, &error)) << error;
+
+  Value deep = Array{};
+  for (int i = 0; i < kMaxDepth + 5; ++i) deep = Array{deep};
+  EXPECT_FALSE(ToXML(deep, &error));
+}
+
+TEST(AtomicWrites, ReplaceLeavesNoTemporaryFiles) {
+  TempDir dir;
+  ASSERT_TRUE(WriteFile(dir / "prefs.plist", Dictionary{{"A", 1}}));
+  ASSERT_TRUE(WriteFile(dir / "prefs.plist", Dictionary{{"A", 2}}));
+  EXPECT_EQ(ReadDictionaryFile(dir / "prefs.plist")->getNumber<int>("A"), 2);
+  int files = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path())) ++files;
+  EXPECT_EQ(files, 1);
+}
+
+TEST(AtomicWrites, FailedWriteLeavesThePreviousFileIntact) {
+  TempDir dir;
+  std::filesystem::path file = dir / "store.plist";
+  ASSERT_TRUE(WriteFile(file, Dictionary{{"Keep", "me"}}));
+  const std::string before = ReadAll(file);
+
+  // Cap the size of files this process may write, so the write fails part way through,
+  // as it would on a full disk.
+  struct rlimit old {};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+  auto oldHandler = signal(SIGXFSZ, SIG_IGN);
+  struct rlimit small = old;
+  small.rlim_cur = 4096;
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  std::string error;
+  bool written = WriteFile(file, Dictionary{{"Big", Data(64 * 1024, 7)}}, &error);
+  setrlimit(RLIMIT_FSIZE, &old);
+  signal(SIGXFSZ, oldHandler);
+
+  EXPECT_FALSE(written);
+  EXPECT_NE(error.find("write failed"), std::string::npos) << error;
+  EXPECT_EQ(ReadAll(file), before);
+  int files = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path())) ++files;
+  EXPECT_EQ(files, 1) << "the temporary file is removed";
+}
+
+TEST(AtomicWrites, MissingFolderIsReported) {
+  TempDir dir;
+  std::string error;
+  EXPECT_FALSE(WriteFile(dir / "no" / "such" / "folder.plist", Dictionary{}, &error));
+  EXPECT_NE(error.find("cannot write in"), std::string::npos) << error;
+}
+
+TEST(AtomicWrites, ReplacedFileKeepsItsPermissions) {
+  TempDir dir;
+  std::filesystem::path file = dir / "p.plist";
+  ASSERT_TRUE(WriteFile(file, Dictionary{}));
+  std::filesystem::permissions(file, std::filesystem::perms::owner_read |
+                                         std::filesystem::perms::owner_write);
+  ASSERT_TRUE(WriteFile(file, Dictionary{{"A", 1}}));
+  EXPECT_EQ(std::filesystem::status(file).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+}  // namespace
+}  // namespace varno::plist

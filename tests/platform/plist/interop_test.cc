@@ -1,0 +1,88 @@
+// Files written here must be read by other property-list readers, and theirs by us.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "platform/plist/file.h"
+#include "support/temp_dir.h"
+
+namespace varno::plist {
+namespace {
+
+using varno::testing::TempDir;
+
+const std::string kPeer = std::string(VARNO_TEST_DATA_DIR) + "/plist/plistlib_peer.py";
+
+int RunCommand(const std::string& command) {
+  int status = std::system((command + " 2>&1").c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string Quote(const std::filesystem::path& p) { return "'" + p.string() + "'"; }
+
+Dictionary Sample() {
+  return Dictionary{
+      {"PMPrintSettingsTicket", Dictionary{{"com.varno.print.JobType",
+                                            Dictionary{{"JobType", 6}, {"Code", "0042"}}}}},
+      {"Copies", 2},
+      {"Min", INT64_MIN},
+      {"Ratio", 0.3},
+      {"Flag", true},
+      {"When", Date{700000000}},
+      {"Bytes", Data{0, 0xfe, 0x7f}},
+      {"List", Array{Array{}, Dictionary{}, "é", -1.25e-7}},
+  };
+}
+
+TEST(Interoperability, PlistlibReadsOurFilesWithEveryValueIntact) {
+  TempDir dir;
+  ASSERT_TRUE(WriteFile(dir / "ours.plist", Sample()));
+  // plistlib reads our file and writes what it understood; reading that back must give
+  // exactly what we wrote, kinds included.
+  ASSERT_EQ(RunCommand("python3 " + kPeer + " roundtrip " + Quote(dir / "ours.plist") + " " +
+                Quote(dir / "theirs.plist")),
+            0);
+  std::string error;
+  std::optional<Dictionary> back = ReadDictionaryFile(dir / "theirs.plist", &error);
+  ASSERT_TRUE(back) << error;
+  EXPECT_EQ(*back, Sample());
+}
+
+TEST(Interoperability, PlistutilConvertsOurFilesBothWays) {
+  TempDir dir;
+  ASSERT_TRUE(WriteFile(dir / "ours.plist", Sample()));
+  ASSERT_EQ(RunCommand("plistutil -i " + Quote(dir / "ours.plist") + " -o " + Quote(dir / "bin.plist") +
+                " -f bin"),
+            0);
+  std::string error;
+  std::optional<Dictionary> fromBinary = ReadDictionaryFile(dir / "bin.plist", &error);
+  ASSERT_TRUE(fromBinary) << error;
+  EXPECT_EQ(*fromBinary, Sample());
+  // And plistlib agrees that the binary form holds the same values as ours.
+  EXPECT_EQ(RunCommand("python3 " + kPeer + " compare " + Quote(dir / "ours.plist") + " " +
+                Quote(dir / "bin.plist")),
+            0);
+}
+
+TEST(Interoperability, PlistlibFilesAreReadAndWrittenBackEqual) {
+  TempDir dir;
+  ASSERT_EQ(RunCommand("python3 " + kPeer + " make " + Quote(dir / "theirs.plist")), 0);
+  std::string error;
+  std::optional<Value> value = ReadFile(dir / "theirs.plist", &error);
+  ASSERT_TRUE(value) << error;
+  ASSERT_TRUE(WriteFile(dir / "ours.plist", *value, &error)) << error;
+  EXPECT_EQ(RunCommand("python3 " + kPeer + " compare " + Quote(dir / "theirs.plist") + " " +
+                Quote(dir / "ours.plist")),
+            0);
+  // Spot checks that the values arrived as the right kinds.
+  const Dictionary& d = *value->asDictionary();
+  EXPECT_EQ(d.getNumber<std::int64_t>("Large"), std::int64_t{1} << 40);
+  EXPECT_EQ(d.find("Scale")->asReal(), 0.875);
+  EXPECT_EQ(d.getData("Blob")->size(), 256u);
+  EXPECT_TRUE(d.getDate("Created").has_value());
+}
+
+}  // namespace
+}  // namespace varno::plist

@@ -1,0 +1,143 @@
+#include "platform/plist/value.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace varno::plist {
+namespace {
+
+std::vector<std::string> Keys(const Dictionary& d) {
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : d) keys.push_back(key);
+  return keys;
+}
+
+TEST(SharedContainers, CopiedHandleChangesTheSameDictionary) {
+  Dictionary ticket;
+  ticket.set("Stock", Dictionary{{"Size", 1}});
+  Dictionary stock = *ticket.getDictionary("Stock");
+  stock.set("Color", 6);
+  EXPECT_EQ(ticket.getDictionary("Stock")->getNumber<int>("Color"), 6);
+  EXPECT_TRUE(stock.sameAs(*ticket.getDictionary("Stock")));
+}
+
+TEST(SharedContainers, MutableCopyIsNewAtTheTopButSharesElements) {
+  Dictionary inner{{"A", 1}};
+  Dictionary outer{{"Inner", inner}, {"Name", "x"}};
+  Dictionary copy = outer.mutableCopy();
+  copy.set("Name", "y");
+  copy.set("Extra", true);
+  EXPECT_EQ(outer.getString("Name"), "x");
+  EXPECT_FALSE(outer.contains("Extra"));
+  copy.getDictionary("Inner")->set("B", 2);
+  EXPECT_TRUE(inner.contains("B")) << "elements of a mutable copy are shared";
+}
+
+TEST(SharedContainers, DeepCopySharesNothing) {
+  Array list{Dictionary{{"A", 1}}};
+  Dictionary outer{{"List", list}};
+  Dictionary copy = outer.deepCopy();
+  EXPECT_EQ(copy, outer);
+  copy.getArray("List")->append(2);
+  (*copy.getArray("List"))[0].asDictionary()->set("A", 9);
+  EXPECT_EQ(list.size(), 1u);
+  EXPECT_EQ(list[0].asDictionary()->getNumber<int>("A"), 1);
+  EXPECT_NE(copy, outer);
+}
+
+TEST(DictionaryOrder, KeepsInsertionOrderThroughReplaceAndRemove) {
+  Dictionary d;
+  for (const char* key : {"c", "a", "d", "b"}) d.set(key, key);
+  d.set("a", 5);  // replacing keeps the position
+  EXPECT_EQ(Keys(d), (std::vector<std::string>{"c", "a", "d", "b"}));
+  EXPECT_TRUE(d.remove("a"));
+  EXPECT_FALSE(d.remove("a"));
+  EXPECT_EQ(Keys(d), (std::vector<std::string>{"c", "d", "b"}));
+  // Lookups after a removal still find the moved entries.
+  EXPECT_EQ(d.getString("b"), "b");
+  EXPECT_EQ(d.getString("d"), "d");
+  d.set("a", 1);
+  EXPECT_EQ(Keys(d), (std::vector<std::string>{"c", "d", "b", "a"}));
+}
+
+TEST(DictionaryOrder, EqualityIgnoresOrderButNotContent) {
+  Dictionary a{{"x", 1}, {"y", "two"}};
+  Dictionary b{{"y", "two"}, {"x", 1}};
+  EXPECT_EQ(a, b);
+  b.set("x", 1.0);  // a real is not an integer
+  EXPECT_NE(a, b);
+  b.set("x", 1);
+  b.set("z", false);
+  EXPECT_NE(a, b);
+}
+
+TEST(TypedReads, WrongKindOrMissingKeyGivesNothing) {
+  Dictionary d{{"s", "text"}, {"n", 3}, {"b", true}, {"a", Array{}}, {"d", Dictionary{}},
+               {"t", Date{10}}, {"x", Data{1, 2}}};
+  EXPECT_EQ(d.getString("n"), std::nullopt);
+  EXPECT_EQ(d.getBoolean("s"), std::nullopt);
+  EXPECT_FALSE(d.getArray("d").has_value());
+  EXPECT_FALSE(d.getDictionary("a").has_value());
+  EXPECT_EQ(d.getNumber<int>("s"), std::nullopt);
+  EXPECT_EQ(d.getNumber<int>("b"), std::nullopt) << "a boolean is not a number";
+  EXPECT_EQ(d.getNumber<int>("missing"), std::nullopt);
+  EXPECT_EQ(d.getDate("t"), Date{10});
+  EXPECT_EQ(d.getData("x"), (Data{1, 2}));
+  EXPECT_EQ(d.getBoolean("b"), true);
+}
+
+TEST(TypedReads, TextLiteralIsAStringNotABoolean) {
+  Value v("Green");
+  EXPECT_TRUE(v.isString());
+  EXPECT_EQ(Value(std::int64_t{5}).kind(), Kind::Integer);
+  EXPECT_EQ(Value(5u).kind(), Kind::Integer);
+  EXPECT_EQ(Value(2.5f).kind(), Kind::Real);
+}
+
+TEST(ExactNumbers, Int32RefusesWhatDoesNotFit) {
+  EXPECT_EQ(Value(std::int64_t{1} << 40).toNumber<std::int32_t>(), std::nullopt);
+  EXPECT_EQ(Value(1.5).toNumber<std::int32_t>(), std::nullopt);
+  EXPECT_EQ(Value("12").toNumber<std::int32_t>(), std::nullopt);
+  EXPECT_EQ(Value(2147483648LL).toNumber<std::int32_t>(), std::nullopt);
+  EXPECT_EQ(Value(-2147483649LL).toNumber<std::int32_t>(), std::nullopt);
+  EXPECT_EQ(Value(-2147483648LL).toNumber<std::int32_t>(), INT32_MIN);
+  EXPECT_EQ(Value(2147483647LL).toNumber<std::int32_t>(), INT32_MAX);
+  EXPECT_EQ(Value(7.0).toNumber<std::int32_t>(), 7) << "an integral real converts exactly";
+  EXPECT_EQ(Value(std::nan("")).toNumber<std::int32_t>(), std::nullopt);
+  EXPECT_EQ(Value(1e300).toNumber<std::int64_t>(), std::nullopt);
+}
+
+TEST(ExactNumbers, UnsignedAndNarrowTypes) {
+  EXPECT_EQ(Value(-1).toNumber<std::uint8_t>(), std::nullopt);
+  EXPECT_EQ(Value(256).toNumber<std::uint8_t>(), std::nullopt);
+  EXPECT_EQ(Value(255).toNumber<std::uint8_t>(), 255);
+  EXPECT_EQ(Value(-32768).toNumber<std::int16_t>(), -32768);
+  EXPECT_EQ(Value(INT64_MAX).toNumber<std::uint64_t>(), static_cast<std::uint64_t>(INT64_MAX));
+}
+
+TEST(ExactNumbers, FloatingReadsOnlyWhenExact) {
+  EXPECT_EQ(Value(3).toNumber<double>(), 3.0);
+  EXPECT_EQ(Value((std::int64_t{1} << 53) + 1).toNumber<double>(), std::nullopt);
+  EXPECT_EQ(Value(0.1).toNumber<double>(), 0.1);
+  EXPECT_EQ(Value(0.1).toNumber<float>(), std::nullopt) << "0.1 has no exact float";
+  EXPECT_EQ(Value(0.5).toNumber<float>(), 0.5f);
+}
+
+TEST(ArrayEdits, InsertRemoveAndBounds) {
+  Array a{1, 2};
+  a.insert(0, "first");
+  a.insert(99, "last");  // clamped to the end
+  a.remove(99);          // ignored
+  ASSERT_EQ(a.size(), 4u);
+  EXPECT_EQ(*a[0].asString(), "first");
+  EXPECT_EQ(*a[3].asString(), "last");
+  a.remove(1);
+  EXPECT_EQ(a.at(1)->asInteger(), 2);
+  EXPECT_EQ(a.at(3), nullptr);
+}
+
+}  // namespace
+}  // namespace varno::plist
