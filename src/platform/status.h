@@ -19,8 +19,10 @@ inline constexpr OSStatus kPMInvalidKey = -30875;          // no item under that
 inline constexpr OSStatus kPMInvalidValue = -30876;        // the item holds another kind
 inline constexpr OSStatus kPMItemIsLocked = -30877;        // a locked item cannot be replaced
 inline constexpr OSStatus kPMInvalidPrintSession = -30879; // missing session or context in Sync
+inline constexpr OSStatus kPMOutOfScope = -30880;       // a call out of the framework's order
 inline constexpr OSStatus kPMIOError = -30881;             // a file could not be read or written
 inline constexpr OSStatus kPMPrinterNotFound = -30882;     // no printer, or its PPD is unavailable
+inline constexpr OSStatus kPMCancel = 128;              // the dialog was cancelled
 inline constexpr OSStatus E_NOINTERFACE = static_cast<OSStatus>(0x80000004);
 
 }  // namespace varno

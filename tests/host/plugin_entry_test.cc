@@ -1,0 +1,120 @@
+// The product plug-in as a host meets it: loaded from its bundle with dlopen, made by the
+// factory its Info.plist registers, asked for interfaces through its own function table.
+#include <gtest/gtest.h>
+
+#include "host/plugin_entry.h"
+#include "platform/bundle/bundle.h"
+#include "platform/bundle/plugin.h"
+#include "platform/print/framework_driver.h"
+
+namespace varno::host {
+namespace {
+
+const std::filesystem::path kPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
+
+class VarnoPlugIn : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::string error;
+    bundle_ = bundle::Bundle::Open(kPlugIn, &error);
+    ASSERT_TRUE(bundle_) << error;
+  }
+
+  // A new instance made through the factory the bundle registers for `type`.
+  bundle::IUnknownVTbl** Create(const bundle::UUID& type) {
+    void* instance = nullptr;
+    std::string error;
+    bundle::CreateInstance(*bundle_, print::kVarnoPDEFactoryID, type, &instance, &error);
+    return static_cast<bundle::IUnknownVTbl**>(instance);
+  }
+
+  bundle::BundleRef bundle_;
+};
+
+TEST_F(VarnoPlugIn, BundleRegistersItsFactoryForThePDEType) {
+  EXPECT_EQ(bundle_->identifier(), kPlugInBundleIdentifier);
+  EXPECT_EQ(bundle::FactoriesForPlugInType(*bundle_, print::kPDEPlugInType),
+            std::vector<bundle::UUID>{print::kVarnoPDEFactoryID});
+  EXPECT_EQ(bundle::FactoryFunctionName(*bundle_, print::kVarnoPDEFactoryID),
+            "VarnoPDEPluginFactory");
+}
+
+TEST_F(VarnoPlugIn, WrongPlugInTypeYieldsNoInstance) {
+  const int before = bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID);
+  EXPECT_EQ(Create(print::kPDEInterfaceID), nullptr);
+  EXPECT_EQ(Create(bundle::kIUnknownInterfaceID), nullptr);
+  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before);
+}
+
+TEST_F(VarnoPlugIn, InstanceCountsReferencesAndUnregistersAtZero) {
+  const int before = bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID);
+  bundle::IUnknownVTbl** instance = Create(print::kPDEPlugInType);
+  ASSERT_NE(instance, nullptr);
+  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before + 1);
+  EXPECT_EQ((*instance)->reserved, nullptr);
+
+  EXPECT_EQ((*instance)->AddRef(instance), 2u);
+  EXPECT_EQ((*instance)->AddRef(nullptr), 0u);
+  EXPECT_EQ((*instance)->Release(instance), 1u);
+  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before + 1);
+  EXPECT_EQ((*instance)->Release(nullptr), 0u);
+  EXPECT_EQ((*instance)->Release(instance), 0u);
+  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before);
+}
+
+TEST_F(VarnoPlugIn, QueryInterfaceAnswersUnknownAndPDEAndRefusesOthers) {
+  bundle::IUnknownVTbl** instance = Create(print::kPDEPlugInType);
+  ASSERT_NE(instance, nullptr);
+  bundle::IUnknownVTbl* table = *instance;
+
+  void* out = reinterpret_cast<void*>(0x1);
+  EXPECT_EQ(table->QueryInterface(instance, bundle::kIUnknownInterfaceID, &out), bundle::S_OK);
+  EXPECT_EQ(out, instance) << "the unknown interface is the instance itself";
+  EXPECT_EQ(table->Release(instance), 1u) << "QueryInterface added a reference";
+
+  out = reinterpret_cast<void*>(0x1);
+  EXPECT_EQ(table->QueryInterface(instance, print::kPDEPlugInType, &out), E_NOINTERFACE);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(static_cast<std::uint32_t>(E_NOINTERFACE), 0x80000004u);
+
+  void* pdeObject = nullptr;
+  ASSERT_EQ(table->QueryInterface(instance, print::kPDEInterfaceID, &pdeObject), bundle::S_OK);
+  auto* pde = static_cast<print::PDEInterface*>(pdeObject);
+  ASSERT_NE(pde, nullptr);
+  EXPECT_EQ(pde->refCount, 1);
+  print::PMPDEVersion version{};
+  EXPECT_EQ(pde->vtable->GetAPIVersion(pde, &version), noErr);
+  EXPECT_EQ(version.buildVersionMajor, 1u);
+  EXPECT_EQ(version.buildVersionMinor, 0u);
+  EXPECT_EQ(version.baseVersionMajor, 1u);
+  EXPECT_EQ(version.baseVersionMinor, 0u);
+
+  EXPECT_EQ(pde->vtable->Retain(pde), noErr);
+  EXPECT_EQ(pde->refCount, 2);
+  void* first = pde;
+  EXPECT_EQ(pde->vtable->Release(&first), noErr);
+  EXPECT_EQ(first, nullptr) << "Release clears the caller's pointer";
+  EXPECT_EQ(pde->refCount, 1);
+  void* last = pde;
+  EXPECT_EQ(pde->vtable->Release(&last), noErr);  // frees it; ASan would see a leak otherwise
+  EXPECT_EQ(last, nullptr);
+
+  EXPECT_EQ(table->Release(instance), 0u);
+}
+
+TEST_F(VarnoPlugIn, FrameworkDriverFindsAndLoadsItByIdentifier) {
+  const int before = bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID);
+  {
+    print::FrameworkDriver driver;
+    ASSERT_EQ(driver.loadByIdentifier(kPlugInBundleIdentifier), noErr) << driver.error();
+    EXPECT_EQ(driver.stage(), print::FrameworkDriver::Stage::Loaded);
+    print::PMPDEVersion version{};
+    EXPECT_EQ(driver.getAPIVersion(version), noErr);
+    EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before + 1);
+  }
+  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before)
+      << "the driver releases the instance it made";
+}
+
+}  // namespace
+}  // namespace varno::host

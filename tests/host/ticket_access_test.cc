@@ -1,0 +1,145 @@
+#include "host/ticket_access.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <optional>
+
+namespace varno {
+namespace {
+
+constexpr CFIndex kMin = std::numeric_limits<CFIndex>::min();
+constexpr CFIndex kMax = std::numeric_limits<CFIndex>::max();
+
+TEST(SessionAccess, CurrentSessionIsSetAndClearedByTheHost) {
+  print::Session session;
+  EXPECT_EQ(GetCurrentPrintSession(), nullptr);
+  SetCurrentPrintSession(&session);
+  EXPECT_EQ(GetCurrentPrintSession(), &session);
+  SetCurrentPrintSession(nullptr);
+  EXPECT_EQ(GetCurrentPrintSession(), nullptr);
+}
+
+TEST(SessionAccess, GetTicketFromSessionGivesTheSessionsTicketOrLeavesOutputAlone) {
+  print::Session session;
+  print::Ticket ticket;
+  ASSERT_EQ(GetTicketFromSession(&session, "PMPrintSettingsTicket", &ticket), noErr);
+  EXPECT_TRUE(ticket.sameAs(session.printSettings()));
+
+  const print::Ticket before;
+  ticket = before;
+  EXPECT_EQ(GetTicketFromSession(&session, "PMNoSuchTicket", &ticket), kPMInvalidKey);
+  EXPECT_EQ(GetTicketFromSession(nullptr, "PMPrintSettingsTicket", &ticket), paramErr);
+  EXPECT_TRUE(ticket.sameAs(before));
+  EXPECT_EQ(GetTicketFromSession(&session, "PMPrintSettingsTicket", nullptr), paramErr);
+}
+
+TEST(DictionaryNumbers, WriteTicketValueStoresCFIndexAndRefusesWiderValues) {
+  plist::Dictionary d;
+  EXPECT_TRUE(WriteTicketValue(d, "Quantity", 3));
+  EXPECT_TRUE(WriteTicketValue(d, "Quantity", kMin));
+  EXPECT_TRUE(WriteTicketValue(d, "Max", kMax));
+  EXPECT_EQ(d.getNumber<CFIndex>("Max"), kMax);
+  for (long wide : {long{kMax} + 1, long{kMin} - 1, 1L << 40}) {
+    EXPECT_FALSE(WriteTicketValue(d, "Quantity", wide));
+    EXPECT_FALSE(WriteTicketValue(d, "New", wide));
+  }
+  EXPECT_EQ(d.getNumber<CFIndex>("Quantity"), kMin);
+  EXPECT_FALSE(d.contains("New"));
+}
+
+TEST(DictionaryNumbers, GetCFIndexReadsOnlyExactNumbersAndNeedsEveryArgument) {
+  plist::Dictionary d{{"whole", 3.0}, {"big", std::int64_t{1} << 40}, {"half", 1.5},
+                      {"text", "12"}, {"flag", true}};
+  CFIndex value = 99;
+  for (const char* key : {"big", "half", "text", "flag", "missing"})
+    EXPECT_FALSE(GetCFIndexFromCFDictionary(&d, key, &value)) << key;
+  EXPECT_FALSE(GetCFIndexFromCFDictionary(nullptr, "whole", &value));
+  EXPECT_FALSE(GetCFIndexFromCFDictionary(&d, nullptr, &value));
+  EXPECT_FALSE(GetCFIndexFromCFDictionary(&d, "whole", nullptr));
+  EXPECT_EQ(value, 99);
+  EXPECT_TRUE(GetCFIndexFromCFDictionary(&d, "whole", &value));
+  EXPECT_EQ(value, 3);
+}
+
+template <typename T>
+class DictionaryNumberTypes : public ::testing::Test {};
+using NumberTypes = ::testing::Types<std::int8_t, std::int16_t, std::int32_t, std::int64_t,
+                                     std::uint8_t, std::uint32_t, float, double>;
+TYPED_TEST_SUITE(DictionaryNumberTypes, NumberTypes);
+
+TYPED_TEST(DictionaryNumberTypes, ExtremesRoundTripAndOtherKindsAreRefused) {
+  using T = TypeParam;
+  plist::Dictionary d{{"text", "1"}};
+  for (T n : {std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max(), T(1)}) {
+    CFDictionarySetNumber(d, "n", n);
+    T read = 0;
+    ASSERT_TRUE(CFDictionaryGetNumber(d, "n", &read));
+    EXPECT_EQ(read, n);
+  }
+  T untouched = 5;
+  EXPECT_FALSE(CFDictionaryGetNumber(d, "text", &untouched));
+  EXPECT_FALSE(CFDictionaryGetNumber(d, "missing", &untouched));
+  EXPECT_EQ(untouched, 5);
+}
+
+TEST(DictionaryNumbers, GetNumberRefusesConversionsThatLoseSomething) {
+  plist::Dictionary d{{"n", 300}, {"neg", -1}, {"third", 1.0 / 3}};
+  std::int8_t small = 1;
+  std::uint32_t positive = 1;
+  float narrow = 1;
+  EXPECT_FALSE(CFDictionaryGetNumber(d, "n", &small));
+  EXPECT_FALSE(CFDictionaryGetNumber(d, "neg", &positive));
+  EXPECT_FALSE(CFDictionaryGetNumber(d, "third", &narrow));
+  EXPECT_TRUE(small == 1 && positive == 1 && narrow == 1);
+}
+
+TEST(DictionaryStrings, SetCStringConvertsEachEncodingOrStoresNothing) {
+  plist::Dictionary d{{"kept", "old"}};
+  EXPECT_TRUE(CFDictionarySetCString(d, "utf8", "Zo\xC3\xAB", StringEncoding::UTF8));
+  EXPECT_TRUE(CFDictionarySetCString(d, "ascii", "Job 7", StringEncoding::ASCII));
+  EXPECT_TRUE(CFDictionarySetCString(d, "latin1", "Zo\xEB", StringEncoding::ISOLatin1));
+  EXPECT_TRUE(CFDictionarySetCString(d, "roman", "Zo\x91 \xA5", StringEncoding::MacRoman));
+  EXPECT_TRUE(CFDictionarySetCString(d, "empty", "", StringEncoding::ASCII));
+  EXPECT_EQ(d.getString("utf8"), "Zoë");
+  EXPECT_EQ(d.getString("ascii"), "Job 7");
+  EXPECT_EQ(d.getString("latin1"), "Zoë");
+  EXPECT_EQ(d.getString("roman"), "Zoë •");
+  EXPECT_EQ(d.getString("empty"), "");
+
+  EXPECT_FALSE(CFDictionarySetCString(d, "kept", "caf\xE9", StringEncoding::ASCII));
+  EXPECT_FALSE(CFDictionarySetCString(d, "kept", "caf\xE9", StringEncoding::UTF8));
+  EXPECT_FALSE(CFDictionarySetCString(d, "kept", "\xC3", StringEncoding::UTF8));
+  EXPECT_FALSE(CFDictionarySetCString(d, "kept", nullptr, StringEncoding::UTF8));
+  EXPECT_EQ(d.getString("kept"), "old");
+}
+
+TEST(DictionaryContainers, GetDictionaryOrCreateCreatesOnceAndShares) {
+  plist::Dictionary outer{{"number", 5}};
+  std::optional<plist::Dictionary> first = CFDictionaryGetDictionaryOrCreate(outer, "inner");
+  std::optional<plist::Dictionary> second = CFDictionaryGetDictionaryOrCreate(outer, "inner");
+  ASSERT_TRUE(first && second);
+  EXPECT_TRUE(first->sameAs(*second));
+  first->set("Quantity", 2);
+  EXPECT_EQ(outer.getDictionary("inner")->getNumber<int>("Quantity"), 2);
+
+  EXPECT_EQ(CFDictionaryGetDictionaryOrCreate(outer, "number"), std::nullopt);
+  EXPECT_EQ(outer.getNumber<int>("number"), 5) << "another kind is not clobbered";
+}
+
+TEST(DictionaryContainers, ReleaseAndNullEmptiesOwningHandlesAndIgnoresNull) {
+  std::optional<plist::Dictionary> dictionary = plist::Dictionary{};
+  CFReleaseAndNULL(&dictionary);
+  EXPECT_FALSE(dictionary);
+  CFReleaseAndNULL(&dictionary);
+  auto owned = std::make_shared<int>(1);
+  std::weak_ptr<int> watch = owned;
+  CFReleaseAndNULL(&owned);
+  EXPECT_TRUE(owned == nullptr && watch.expired());
+  CFReleaseAndNULL(static_cast<std::unique_ptr<int>*>(nullptr));
+}
+
+}  // namespace
+}  // namespace varno
