@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/plist/file.h"
+#include "platform/print/session.h"
 #include "support/temp_dir.h"
 
 namespace varno::plist {
@@ -82,6 +83,34 @@ TEST(Interoperability, PlistlibFilesAreReadAndWrittenBackEqual) {
   EXPECT_EQ(d.find("Scale")->asReal(), 0.875);
   EXPECT_EQ(d.getData("Blob")->size(), 256u);
   EXPECT_TRUE(d.getDate("Created").has_value());
+}
+
+TEST(Interoperability, SavedSessionSurvivesPlistlibAndPlistutil) {
+  TempDir dir;
+  print::Session session;
+  session.setPrinterQueue("Varno_AT120A", "127.0.0.1:8631");
+  print::Ticket settings = session.printSettings();
+  for (const auto& [key, value] : Sample()) settings.setValue(key, value, "com.varno.printingmanager");
+  settings.setValue("com.varno.print.VNIFOptions", Dictionary{{"VNIFOptionCovers", true}}, "V", true);
+  print::Ticket paper;
+  paper.setRect("com.apple.print.PaperInfo.PMUnadjustedPaperRect", {-18, -18, 774, 594}, "V");
+  session.pageFormat().setTicket("com.apple.print.PaperInfoTicket", paper, "V");
+  settings.ppdDictionary().set("VNOColor", "BW");
+  std::string error;
+  ASSERT_TRUE(session.save(dir / "ours.session", &error)) << error;
+
+  // Through plistlib (XML) and plistutil (binary) and back: the same session.
+  ASSERT_EQ(RunCommand("python3 " + kPeer + " roundtrip " + Quote(dir / "ours.session") + " " +
+                       Quote(dir / "plistlib.session")),
+            0);
+  ASSERT_EQ(RunCommand("plistutil -i " + Quote(dir / "plistlib.session") + " -o " +
+                       Quote(dir / "binary.session") + " -f bin"),
+            0);
+  std::unique_ptr<print::Session> back = print::Session::load(dir / "binary.session", &error);
+  ASSERT_TRUE(back) << error;
+  EXPECT_EQ(back->toPropertyList(), session.toPropertyList());
+  EXPECT_EQ(back->printer(), session.printer());
+  EXPECT_TRUE(back->printSettings().item("com.varno.print.VNIFOptions")->locked);
 }
 
 }  // namespace
