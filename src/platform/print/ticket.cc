@@ -18,24 +18,46 @@
 // damaged or hand-edited file is reported instead of silently losing settings.
 #include "platform/print/ticket.h"
 
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "platform/plist/file.h"
 
 namespace varno::print {
 
 struct Ticket::Impl {
-  std::vector<std::pair<std::string, Item>> items;
+  using Entry = std::pair<std::string, Item>;
+  std::vector<Entry> items;                              // in the ticket's order
+  std::unordered_map<std::string, std::size_t> index;   // key -> position in items
   plist::Dictionary ppd;
 
-  // Tickets hold tens of items; a linear search keeps insertion order trivially.
-  std::pair<std::string, Item>* find(std::string_view key) {
-    for (auto& entry : items)
-      if (entry.first == key) return &entry;
-    return nullptr;
+  // The index keeps look-ups constant-time, so even a hostile file with a huge ticket
+  // loads in linear time.
+  Entry* find(std::string_view key) {
+    auto it = index.find(std::string(key));
+    return it == index.end() ? nullptr : &items[it->second];
   }
-  const std::pair<std::string, Item>* find(std::string_view key) const {
-    return const_cast<Impl*>(this)->find(key);
+  const Entry* find(std::string_view key) const { return const_cast<Impl*>(this)->find(key); }
+
+  // Replaces the item under key in place, or appends it.
+  void put(std::string_view key, Item item) {
+    if (Entry* entry = find(key)) {
+      entry->second = std::move(item);
+      return;
+    }
+    index.emplace(std::string(key), items.size());
+    items.emplace_back(std::string(key), std::move(item));
+  }
+
+  void erase(std::string_view key) {
+    auto it = index.find(std::string(key));
+    if (it == index.end()) return;
+    std::size_t position = it->second;
+    index.erase(it);
+    items.erase(items.begin() + static_cast<std::ptrdiff_t>(position));
+    for (auto& [k, p] : index)
+      if (p > position) --p;
   }
 };
 
@@ -165,11 +187,7 @@ OSStatus CheckWrite(const Ticket& ticket, std::string_view key, std::string_view
 OSStatus Ticket::setValue(std::string_view key, plist::Value value, std::string_view client,
                           bool locked) {
   if (OSStatus status = CheckWrite(*this, key, client)) return status;
-  Item item{std::move(value), std::nullopt, std::string(client), locked};
-  if (auto* entry = impl_->find(key))
-    entry->second = std::move(item);
-  else
-    impl_->items.emplace_back(std::string(key), std::move(item));
+  impl_->put(key, Item{std::move(value), std::nullopt, std::string(client), locked});
   return noErr;
 }
 
@@ -191,34 +209,26 @@ OSStatus Ticket::setTicket(std::string_view key, const Ticket& nested, std::stri
   if (OSStatus status = CheckWrite(*this, key, client)) return status;
   // A cycle would make the ticket unwritable and never freed.
   if (nested.reaches(impl_.get())) return paramErr;
-  Item item{plist::Value(), nested, std::string(client), locked};
-  if (auto* entry = impl_->find(key))
-    entry->second = std::move(item);
-  else
-    impl_->items.emplace_back(std::string(key), std::move(item));
+  impl_->put(key, Item{plist::Value(), nested, std::string(client), locked});
   return noErr;
 }
 
 OSStatus Ticket::releaseItem(std::string_view key) {
-  auto& items = impl_->items;
-  for (auto it = items.begin(); it != items.end(); ++it) {
-    if (it->first != key) continue;
-    if (it->second.locked) return kPMItemIsLocked;
-    items.erase(it);
-    return noErr;
-  }
-  return kPMInvalidKey;
+  const Impl::Entry* entry = impl_->find(key);
+  if (!entry) return kPMInvalidKey;
+  if (entry->second.locked) return kPMItemIsLocked;
+  impl_->erase(key);
+  return noErr;
 }
 
 plist::Dictionary Ticket::ppdDictionary() const { return impl_->ppd; }
 
 Ticket Ticket::deepCopy() const {
   Ticket copy;
-  copy.impl_->items.reserve(impl_->items.size());
   for (const auto& [key, item] : impl_->items) {
     Item duplicate{item.value.deepCopy(), std::nullopt, item.client, item.locked};
     if (item.nested) duplicate.nested = item.nested->deepCopy();
-    copy.impl_->items.emplace_back(key, std::move(duplicate));
+    copy.impl_->put(key, std::move(duplicate));
   }
   copy.impl_->ppd = impl_->ppd.deepCopy();
   return copy;
