@@ -124,40 +124,38 @@ void Dictionary::clear() {
   impl_->index.clear();
 }
 
+namespace {
+
+// The value under key when it is of the kind `as` picks out, else nothing.
+template <typename T>
+std::optional<T> GetAs(const Dictionary& d, std::string_view key,
+                       const T* (Value::*as)() const) {
+  const Value* v = d.find(key);
+  if (!v) return std::nullopt;
+  const T* typed = (v->*as)();
+  if (!typed) return std::nullopt;
+  return *typed;
+}
+
+}  // namespace
+
 std::optional<std::string> Dictionary::getString(std::string_view key) const {
-  const Value* v = find(key);
-  if (!v || !v->asString()) return std::nullopt;
-  return *v->asString();
+  return GetAs(*this, key, &Value::asString);
 }
-
 std::optional<bool> Dictionary::getBoolean(std::string_view key) const {
-  const Value* v = find(key);
-  if (!v || !v->asBoolean()) return std::nullopt;
-  return *v->asBoolean();
+  return GetAs(*this, key, &Value::asBoolean);
 }
-
 std::optional<Array> Dictionary::getArray(std::string_view key) const {
-  const Value* v = find(key);
-  if (!v || !v->asArray()) return std::nullopt;
-  return *v->asArray();
+  return GetAs<Array>(*this, key, &Value::asArray);
 }
-
 std::optional<Dictionary> Dictionary::getDictionary(std::string_view key) const {
-  const Value* v = find(key);
-  if (!v || !v->asDictionary()) return std::nullopt;
-  return *v->asDictionary();
+  return GetAs<Dictionary>(*this, key, &Value::asDictionary);
 }
-
 std::optional<Data> Dictionary::getData(std::string_view key) const {
-  const Value* v = find(key);
-  if (!v || !v->asData()) return std::nullopt;
-  return *v->asData();
+  return GetAs(*this, key, &Value::asData);
 }
-
 std::optional<Date> Dictionary::getDate(std::string_view key) const {
-  const Value* v = find(key);
-  if (!v || !v->asDate()) return std::nullopt;
-  return *v->asDate();
+  return GetAs(*this, key, &Value::asDate);
 }
 
 const std::vector<Dictionary::Entry>& Dictionary::entries() const { return impl_->entries; }
