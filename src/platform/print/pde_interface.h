@@ -18,22 +18,23 @@
 #include "platform/bundle/plugin.h"
 #include "platform/bundle/uuid.h"
 #include "platform/plist/value.h"
+#include "platform/four_char_code.h"
 #include "platform/status.h"
 
-namespace varno {
-// A control of the toolkit; the toolkit defines the struct, the interface only passes it.
-struct OpaqueControlRef;
-}  // namespace varno
+namespace varno::toolkit {
+class Control;  // platform/toolkit/control.h; the interface only passes it
+}  // namespace varno::toolkit
 
 namespace varno::print {
 
 class Session;
 
 using PMPDEContext = void*;  // the plug-in's own state, made by Prologue
-using OSType = std::uint32_t;
+using varno::MakeOSType;
+using varno::OSType;
 using PMPDEFlags = std::uint32_t;
 using PMPDERef = void*;
-using ControlRef = OpaqueControlRef*;
+using ControlRef = toolkit::Control*;
 
 // The plug-in type whose factories make PDE instances.
 inline constexpr bundle::UUID kPDEPlugInType =
@@ -44,14 +45,6 @@ inline constexpr bundle::UUID kPDEInterfaceID =
 // The factory of the Varno plug-in.
 inline constexpr bundle::UUID kVarnoPDEFactoryID =
     bundle::MakeUUID("FD10ECA4-9139-48E2-B8BD-507DF7AA6E20");
-
-// A four-character code as one big-endian number: MakeOSType("pde ") == 0x70646520.
-constexpr OSType MakeOSType(const char (&code)[5]) {
-  return static_cast<OSType>(static_cast<unsigned char>(code[0])) << 24 |
-         static_cast<OSType>(static_cast<unsigned char>(code[1])) << 16 |
-         static_cast<OSType>(static_cast<unsigned char>(code[2])) << 8 |
-         static_cast<OSType>(static_cast<unsigned char>(code[3]));
-}
 
 struct PMPDEVersion {
   std::uint32_t buildVersionMajor;

@@ -1,0 +1,185 @@
+// Interface files: every kind of control built from one file, found by ID, and every way a
+// file can be missing or wrong ending in a failing status.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "platform/bundle/bundle.h"
+#include "platform/toolkit/interface_file.h"
+#include "platform/toolkit/list_view.h"
+#include "support/temp_dir.h"
+#include "toolkit_test_support.h"
+
+namespace varno::testing {
+namespace {
+
+const std::filesystem::path kEveryKind = VARNO_TEST_DATA_DIR "/toolkit/Every_Kind.interface.plist";
+
+// A bundle holding the sample file and an English string table.
+bundle::BundleRef MakeBundle(const TempDir& dir) {
+  dir.write("Test.plugin/Contents/Info.plist",
+            R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>CFBundleIdentifier</key><string>com.varno.test.interface</string>
+<key>CFBundleDevelopmentRegion</key><string>en</string>
+</dict></plist>)");
+  dir.write("Test.plugin/Contents/Resources/en.lproj/Localizable.plist",
+            R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>Every Kind Title</key><string>Every kind of control</string>
+<key>Page(s)</key><string>Pages</string>
+</dict></plist>)");
+  std::filesystem::copy_file(kEveryKind,
+                             dir / "Test.plugin/Contents/Resources/Every_Kind.interface.plist");
+  return bundle::Bundle::Open(dir / "Test.plugin");
+}
+
+Control& Find(Window& window, std::int32_t id) {
+  Control* control = window.findByID({kTestSignature, id});
+  if (!control) throw std::runtime_error("no control " + std::to_string(id));
+  return *control;
+}
+
+TEST(InterfaceFileLoading, EveryKindIsBuiltWithItsAttributesAndFoundByID) {
+  TempDir dir;
+  bundle::BundleRef bundle = MakeBundle(dir);
+  ASSERT_TRUE(bundle);
+  std::unique_ptr<InterfaceFile> file;
+  std::string error;
+  ASSERT_EQ(InterfaceFile::open(bundle, "Every_Kind", &file, &error), noErr) << error;
+  EXPECT_EQ(file->windowNames(), (std::vector<std::string>{"Window", "Empty"}));
+  std::unique_ptr<Window> window;
+  ASSERT_EQ(file->createWindow("Window", &window, &error), noErr) << error;
+
+  EXPECT_EQ(window->text(), "Every kind of control");
+  EXPECT_EQ(window->bounds(), (Rect{80, 100, 480, 600}));
+  EXPECT_FALSE(window->isVisible());
+
+  const ControlKind expected[] = {
+      ControlKind::UserPane,   ControlKind::Group,       ControlKind::StaticText,
+      ControlKind::EditText,   ControlKind::PushButton,  ControlKind::PushButton,
+      ControlKind::CheckBox,   ControlKind::RadioButton, ControlKind::PopupButton,
+      ControlKind::BevelButton, ControlKind::ComboBox,   ControlKind::SpinControl,
+      ControlKind::Clock,      ControlKind::ImageView,   ControlKind::ListView,
+      ControlKind::TabControl};
+  for (std::int32_t id = 1; id <= 16; ++id) {
+    EXPECT_EQ(Find(*window, id).kind(), expected[id - 1]) << "control " << id;
+  }
+  EXPECT_EQ(Find(*window, 3).parent(), &Find(*window, 2));
+  EXPECT_EQ(Find(*window, 3).text(), "Passcode Label");  // a key with no text shows itself
+  EXPECT_TRUE(Find(*window, 4).isPassword());
+  EXPECT_EQ(window->defaultButton(), &Find(*window, 5));
+  EXPECT_EQ(window->cancelButton(), &Find(*window, 6));
+  EXPECT_EQ(Find(*window, 5).command(), kHICommandOK);
+  EXPECT_FALSE(Find(*window, 7).isEnabled());
+  EXPECT_EQ(Find(*window, 8).value(), 1);
+
+  Control& popup = Find(*window, 9);
+  ASSERT_EQ(popup.menu()->count(), 3);
+  EXPECT_EQ(popup.value(), 2);
+  EXPECT_EQ(popup.maximum(), 3);
+  EXPECT_EQ(popup.menu()->item(2)->command, MakeOSType("Jsec"));
+  EXPECT_EQ(popup.menu()->item(2)->refCon, 6u);
+  EXPECT_FALSE(popup.menu()->item(3)->enabled);
+  EXPECT_EQ(popup.menu()->item(3)->submenu->item(1)->text, "Inner");
+
+  EXPECT_EQ(Find(*window, 10).pictureName(), "Finishing.png");
+  EXPECT_EQ(Find(*window, 11).menu()->count(), 2);
+  EXPECT_EQ(Find(*window, 12).value(), 5);
+  EXPECT_EQ(Find(*window, 12).maximum(), 999);
+  EXPECT_FALSE(Find(*window, 14).isVisible());
+  ListView* list = AsListView(&Find(*window, 15));
+  ASSERT_TRUE(list);
+  ASSERT_EQ(list->columns().size(), 2u);
+  EXPECT_EQ(list->columns()[0].property, MakeOSType("PAGE"));
+  EXPECT_EQ(list->columns()[0].title, "Pages");
+  EXPECT_EQ(list->columns()[0].width, 80);
+  EXPECT_EQ(Find(*window, 16).childCount(), 2u);
+  EXPECT_TRUE(window->findByID({MakeOSType("Tabs"), 2}));
+
+  EXPECT_EQ(file->createWindow("Empty", &window), noErr);
+  EXPECT_EQ(window->childCount(), 0u);
+}
+
+TEST(InterfaceFileLoading, MissingFilesAndWindowsGiveTheirStatus) {
+  TempDir dir;
+  bundle::BundleRef bundle = MakeBundle(dir);
+  std::unique_ptr<InterfaceFile> file;
+  std::string error;
+  EXPECT_EQ(InterfaceFile::open(bundle, "Nowhere", &file, &error), kInterfaceFileNotFound);
+  EXPECT_NE(error.find("Nowhere"), std::string::npos);
+  EXPECT_EQ(InterfaceFile::open(nullptr, "Every_Kind", &file), paramErr);
+  EXPECT_EQ(InterfaceFile::openFile(dir / "none.interface.plist", &file), kInterfaceFileNotFound);
+  EXPECT_FALSE(file);
+
+  ASSERT_EQ(InterfaceFile::openFile(kEveryKind, &file), noErr);
+  std::unique_ptr<Window> window;
+  EXPECT_EQ(file->createWindow("Missing", &window, &error), kInterfaceObjectNotFound);
+  EXPECT_FALSE(window);
+  EXPECT_NE(error.find("Missing"), std::string::npos);
+}
+
+// Writes `windows` as the "Windows" dictionary of a file and tries to build "W".
+OSStatus BuildOne(const TempDir& dir, const std::string& windows, std::string* error) {
+  auto path = dir.write("t.interface.plist",
+                        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Windows</key>"
+                        "<dict>" + windows + "</dict></dict></plist>");
+  std::unique_ptr<InterfaceFile> file;
+  if (OSStatus status = InterfaceFile::openFile(path, &file, error)) return status;
+  std::unique_ptr<Window> window;
+  return file->createWindow("W", &window, error);
+}
+
+std::string WithControl(const std::string& control) {
+  return "<key>W</key><dict><key>Controls</key><array><dict>" + control + "</dict></array></dict>";
+}
+
+TEST(InterfaceFileLoading, MalformedFilesAreRefusedWithTheFaultNamed) {
+  TempDir dir;
+  std::unique_ptr<InterfaceFile> file;
+  std::string error;
+  EXPECT_EQ(InterfaceFile::openFile(dir.write("a.plist", "<plist><dict><key>Win"), &file, &error),
+            kInterfaceFileDamaged);
+  EXPECT_EQ(InterfaceFile::openFile(dir.write("b.plist", "not a property list"), &file),
+            kInterfaceFileDamaged);
+  EXPECT_EQ(BuildOne(dir, "<key>W</key><string>x</string>", &error), kInterfaceFileDamaged);
+
+  struct Case {
+    std::string control;
+    std::string named;
+  };
+  const Case cases[] = {
+      {"<key>Kind</key><string>Slider</string>", "Slider"},
+      {"<key>Title</key><string>no kind</string>", "Kind"},
+      {"<key>Kind</key><string>PushButton</string><key>Colour</key><string>red</string>", "Colour"},
+      {"<key>Kind</key><string>PushButton</string><key>Command</key><string>ok</string>", "Command"},
+      {"<key>Kind</key><string>CheckBox</string><key>Value</key><string>1</string>", "Value"},
+      {"<key>Kind</key><string>PushButton</string><key>Signature</key><string>Test</string>", "ID"},
+      {"<key>Kind</key><string>StaticText</string><key>Bounds</key><array><integer>1</integer></array>",
+       "Bounds"},
+      {"<key>Kind</key><string>PushButton</string><key>Items</key><array/>", "menu"},
+      {"<key>Kind</key><string>CheckBox</string><key>Controls</key><array/>", "holds no"},
+      {"<key>Kind</key><string>EditText</string><key>Columns</key><array/>", "columns"},
+      {"<key>Kind</key><string>Group</string><key>Controls</key><array><dict>"
+       "<key>Kind</key><string>PopupButton</string><key>Items</key><array><integer>1</integer>"
+       "</array></dict></array>",
+       "(Group), control 1 (PopupButton), item 1"},
+  };
+  for (const Case& c : cases) {
+    error.clear();
+    EXPECT_EQ(BuildOne(dir, WithControl(c.control), &error), kInterfaceFileDamaged) << c.control;
+    EXPECT_NE(error.find(c.named), std::string::npos) << error;
+  }
+
+  std::string twice = "<key>Kind</key><string>PushButton</string><key>Signature</key>"
+                      "<string>Test</string><key>ID</key><integer>1</integer>";
+  EXPECT_EQ(BuildOne(dir,
+                     "<key>W</key><dict><key>Controls</key><array><dict>" + twice +
+                         "</dict><dict>" + twice + "</dict></array></dict>",
+                     &error),
+            kInterfaceFileDamaged);
+  EXPECT_NE(error.find("used twice"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace varno::testing
