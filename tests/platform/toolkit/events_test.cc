@@ -83,7 +83,9 @@ TEST_F(HandlerChain, RemovedHandlersAreSkippedEvenWhileAnEventIsOnItsWay) {
   EventHandlerRef second = Record(button, {kHit}, log, "second");
   button.installHandler({kHit}, [&](EventHandlerCallRef, Event&) {
     log.push_back("first");
-    if (second) EXPECT_EQ(RemoveEventHandler(std::exchange(second, nullptr)), noErr);
+    if (second) {
+      EXPECT_EQ(RemoveEventHandler(std::exchange(second, nullptr)), noErr);
+    }
     return eventNotHandledErr;
   });
 

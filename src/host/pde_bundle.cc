@@ -1,0 +1,9 @@
+#include "host/pde_bundle.h"
+
+namespace varno {
+
+bundle::BundleRef gBundle;
+
+bundle::BundleRef GetPDEBundle() { return gBundle; }
+
+}  // namespace varno

@@ -1,0 +1,134 @@
+#include "vocabulary/installable_options.h"
+
+#include <cstring>
+#include <map>
+
+#include "vocabulary/ppd_calls.h"
+
+namespace varno {
+
+// Punch units come in combinations, so one PPD choice can satisfy several features and
+// one feature can be satisfied by several choices: HolePunch24 gives 2 and 4 holes.
+const InstalledFeatureMap InstalledFeatures[] = {
+    {"DualPunchKey", "VNHolePunchUnit", "HolePunch23", "2HolePunch", 0},
+    {"DualPunchKey", "VNHolePunchUnit", "HolePunch24", "2HolePunch", 0},
+    {"TriplePunchKey", "VNHolePunchUnit", "HolePunch23", "3HolePunch", 0},
+    {"QuadruplePunchKey", "VNHolePunchUnit", "HolePunch24", "4HolePunch", 0},
+    {"QuadruplePunchKey", "VNHolePunchUnit", "HolePunch4", "4HolePunch", 0},
+    {"FaxKey", "VNFax", "True", nullptr, 0},
+    {"Offset", "VNFinisher", "OCT", nullptr, 0},
+    {"Offset", "VNFinisher", "AClass", nullptr, 0},
+    {"Offset", "VNFinisher", "SBClass", nullptr, 0},
+    {"SingleStapleKey", "VNFinisher", "AClass", "1 Staple", 0},
+    {"SingleStapleKey", "VNFinisher", "SBClass", "1 Staple", 0},
+    {"DualStapleKey", "VNFinisher", "SBClass", "2 Staples", 0},
+    {"SingleStapleKey", "VNFinisher", "SBClassBooklet", "1 Staple", 0},
+    {"DualStapleKey", "VNFinisher", "SBClassBooklet", "2 Staples", 0},
+    {"BookletFoldKey", "VNFinisher", "SBClassBooklet", nullptr, 0},
+    {"SBBookletMaker", "VNFinisher", "SBClassBooklet", nullptr, 0},
+    {nullptr, nullptr, nullptr, nullptr, 0},
+};
+
+namespace {
+
+// Option keyword -> marked choice keyword; empty until loaded. The optional tells "loaded"
+// apart from "loaded, but the PPD had no installable options".
+std::optional<std::map<std::string, std::string, std::less<>>> gOptions;
+// The feature table passed to the load that made gOptions.
+const InstalledFeatureMap* gFeatures = nullptr;
+
+// True when the row names no PPD option (always present), or the recorded choice of its
+// option is the row's choice.
+bool IsSatisfied(const InstalledFeatureMap& row) {
+  if (!row.ppdKeyword) return true;
+  std::string choice;
+  return getInstallableOptionValue(row.ppdKeyword, &choice) && row.choice && choice == row.choice;
+}
+
+// The first row for `featureKey` that is satisfied, or null.
+const InstalledFeatureMap* FirstSatisfiedRow(const char* featureKey) {
+  if (!featureKey || !gFeatures) return nullptr;
+  for (const InstalledFeatureMap* row = gFeatures; row->featureKey; ++row)
+    if (std::strcmp(row->featureKey, featureKey) == 0 && IsSatisfied(*row)) return row;
+  return nullptr;
+}
+
+}  // namespace
+
+bool LoadInstallableOptions(ppd_file_t* ppd, const InstalledFeatureMap* featureMap) {
+  if (gOptions || gFeatures || !ppd) return false;
+  gFeatures = featureMap;
+  ppdcall::MarkDefaults(ppd);
+  gOptions.emplace();
+  for (int g = 0; g < ppd->num_groups; ++g) {
+    const ppd_group_t& group = ppd->groups[g];
+    if (std::strcmp(group.name, "InstallableOptions") != 0) continue;
+    for (int o = 0; o < group.num_options; ++o) {
+      const ppd_option_t& option = group.options[o];
+      if (ppd_choice_t* marked = ppdcall::FindMarkedChoice(ppd, option.keyword))
+        gOptions->emplace(option.keyword, marked->choice);
+    }
+    break;
+  }
+  return !gOptions->empty();
+}
+
+void UnloadInstallableOptions() {
+  gOptions.reset();
+  gFeatures = nullptr;
+}
+
+bool getInstallableOptionValue(const char* keyword, std::string* choice) {
+  if (!keyword || !choice || !gOptions) return false;
+  auto found = gOptions->find(keyword);
+  if (found == gOptions->end()) return false;
+  *choice = found->second;
+  return true;
+}
+
+int getInstalledFeature(const char* featureKey) {
+  return FirstSatisfiedRow(featureKey) ? 1 : 0;
+}
+
+bool getInstallableOptionTicketValue(const char* featureKey, std::int32_t* value) {
+  if (!value) return false;
+  const InstalledFeatureMap* row = FirstSatisfiedRow(featureKey);
+  if (!row) return false;
+  *value = row->ticketValue;
+  return true;
+}
+
+std::optional<std::string> CopyLocalizedStringForInstalledFeatureFromPlugin(
+    const char* featureKey, const bundle::BundleRef& bundle) {
+  if (!featureKey || !bundle || !gFeatures) return std::nullopt;
+  for (const InstalledFeatureMap* row = gFeatures; row->featureKey; ++row) {
+    if (std::strcmp(row->featureKey, featureKey) != 0 || !IsSatisfied(*row)) continue;
+    if (row->displayNameKey)
+      return bundle->localizedString(row->displayNameKey, "Localizable", "STRING NOT FOUND");
+    // A feature that is always present and has no name of its own is not labelled by a
+    // later row either.
+    if (!row->ppdKeyword) return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+std::string CopyDeviceMimicFilename() {
+  std::string name = "Mimic_GR_QTMZ_";
+  std::string choice;
+  if (getInstallableOptionValue("VNPaperTrays", &choice)) {
+    if (choice == "FiveTraysHiCap") name += "5TrayHcap";
+    else if (choice == "FiveTrays") name += "5Tray";
+    else if (choice == "ThreeTrays") name += "3Tray";
+  }
+  if (getInstallableOptionValue("VNHighCapacityFeeder", &choice) && choice == "True")
+    name += "+HCF";
+  if (getInstallableOptionValue("VNFinisher", &choice)) {
+    if (choice == "SCT" || choice == "OCT") name += "_CT";
+    else if (choice == "AClass") name += "_AFin";
+    else if (choice == "SBClass") name += "_SBFin";
+    else if (choice == "SBClassBooklet") name += "_SBFinBK";
+  }
+  return name + ".gif";
+}
+
+}  // namespace varno

@@ -1,0 +1,47 @@
+// Thin wrappers over libcups' PPD functions. libcups marks its whole PPD API deprecated,
+// yet it is still the only library that reads and marks PPD files; every call goes
+// through here so that the warning is silenced in one file and nowhere else. Reading the
+// structures (ppd->groups, option->choices ...) needs no wrapper.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <cups/ppd.h>
+
+namespace varno::ppdcall {
+
+// ppdOpenFile: the parsed PPD (plain or gzip-compressed), or null.
+ppd_file_t* OpenFile(const char* path);
+// Why the last OpenFile of this thread failed, as "<libcups message> (line N)".
+std::string LastErrorText();
+// ppdClose; null is ignored.
+void Close(ppd_file_t* ppd);
+
+// ppdMarkDefaults: marks every option's default choice.
+void MarkDefaults(ppd_file_t* ppd);
+// ppdMarkOption: marks a choice and returns the number of conflicts in the PPD afterwards.
+int MarkOption(ppd_file_t* ppd, const char* keyword, const char* choice);
+// ppdConflicts: the number of conflicts among the marked choices.
+int Conflicts(ppd_file_t* ppd);
+
+// ppdFindOption / ppdFindChoice / ppdFindMarkedChoice: null when absent.
+ppd_option_t* FindOption(ppd_file_t* ppd, const char* keyword);
+ppd_choice_t* FindChoice(ppd_option_t* option, const char* choice);
+ppd_choice_t* FindMarkedChoice(ppd_file_t* ppd, const char* keyword);
+
+// ppdLocalize: replaces the PPD's texts with its translations for the user's locale.
+// Returns 0 on success.
+int Localize(ppd_file_t* ppd);
+
+// Owning handle of an open PPD.
+struct Closer {
+  void operator()(ppd_file_t* ppd) const { Close(ppd); }
+};
+using FilePtr = std::unique_ptr<ppd_file_t, Closer>;
+
+// OpenFile as an owning handle.
+inline FilePtr Open(const std::filesystem::path& path) { return FilePtr(OpenFile(path.c_str())); }
+
+}  // namespace varno::ppdcall
