@@ -14,7 +14,7 @@
 #include "host/ticket_access.h"
 #include "vocabulary/installable_options.h"
 #include "vocabulary/ppd_access.h"
-#include "vocabulary/ppd_calls.h"
+#include "platform/print/ppd_calls.h"
 
 namespace {
 

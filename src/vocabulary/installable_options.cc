@@ -3,7 +3,7 @@
 #include <cstring>
 #include <map>
 
-#include "vocabulary/ppd_calls.h"
+#include "platform/print/ppd_calls.h"
 
 namespace varno {
 

@@ -9,7 +9,7 @@
 
 #include "host/ticket_access.h"
 #include "vocabulary/choice_maps.h"
-#include "vocabulary/ppd_calls.h"
+#include "platform/print/ppd_calls.h"
 
 namespace varno {
 

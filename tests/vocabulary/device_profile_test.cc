@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "host/pde_bundle.h"
+#include "support/bundle_folder.h"
 #include "support/temp_dir.h"
 
 namespace varno {
@@ -87,10 +88,8 @@ TEST_F(DeviceProfile, WithoutAProfileEveryQueryAnswersNothing) {
   EXPECT_TRUE(VNPGetFeaturesWithProperty("RequiresOption").empty());
 
   testing::TempDir dir;
-  dir.write("Bare.plugin/Contents/Info.plist",
-            "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key>"
-            "<string>com.varno.test.bare</string></dict></plist>");
-  gBundle = bundle::Bundle::Open(dir / "Bare.plugin");
+  gBundle = testing::MakeBundle(dir, {});  // a bundle without a profile
+  ASSERT_TRUE(gBundle);
   VNPInitialize();
   EXPECT_FALSE(VNPGetFeature("Duplex"));
   EXPECT_TRUE(VNPGetFeaturesWithPropertyAndValue("Category", nullptr).empty());

@@ -1,14 +1,12 @@
-// Fetching a queue's PPD with libcups. libcups marks every PPD function deprecated (it
-// prefers IPP attributes), but the panels work on PPD files, so the warning is silenced
-// here, in the one file that calls them.
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-
+// Fetching a queue's PPD with libcups.
 #include "platform/print/ppd_fetch.h"
 
 #include <cups/cups.h>
 #include <cups/ppd.h>
 #include <stdlib.h>
 #include <sys/socket.h>
+
+#include "platform/print/ppd_calls.h"
 
 #include <cerrno>
 #include <charconv>
@@ -154,8 +152,8 @@ std::unique_ptr<FetchedPPD> FetchQueuePPD(std::string_view queue, std::string_vi
   target.copy(buffer.data(), target.size());
   time_t modified = 0;
   const std::string name(queue);
-  http_status_t status = cupsGetPPD3(http.get(), name.c_str(), &modified, buffer.data(),
-                                     buffer.size());
+  http_status_t status = ppdcall::GetPPD(http.get(), name.c_str(), &modified, buffer.data(),
+                                          buffer.size());
   if (status != HTTP_STATUS_OK) {
     const std::string why = LastError(httpStatus(status));
     if (status == HTTP_STATUS_NOT_FOUND)

@@ -7,6 +7,7 @@
 #include "platform/bundle/bundle.h"
 #include "platform/toolkit/interface_file.h"
 #include "platform/toolkit/list_view.h"
+#include "support/bundle_folder.h"
 #include "support/temp_dir.h"
 #include "toolkit_test_support.h"
 
@@ -16,22 +17,11 @@ namespace {
 const std::filesystem::path kEveryKind = VARNO_TEST_DATA_DIR "/toolkit/Every_Kind.interface.plist";
 
 // A bundle holding the sample file and an English string table.
-bundle::BundleRef MakeBundle(const TempDir& dir) {
-  dir.write("Test.plugin/Contents/Info.plist",
-            R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0"><dict>
-<key>CFBundleIdentifier</key><string>com.varno.test.interface</string>
-<key>CFBundleDevelopmentRegion</key><string>en</string>
-</dict></plist>)");
-  dir.write("Test.plugin/Contents/Resources/en.lproj/Localizable.plist",
-            R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0"><dict>
-<key>Every Kind Title</key><string>Every kind of control</string>
-<key>Page(s)</key><string>Pages</string>
-</dict></plist>)");
-  std::filesystem::copy_file(kEveryKind,
-                             dir / "Test.plugin/Contents/Resources/Every_Kind.interface.plist");
-  return bundle::Bundle::Open(dir / "Test.plugin");
+bundle::BundleRef MakeEveryKindBundle(const TempDir& dir) {
+  const std::filesystem::path folder = WriteBundleFolder(
+      dir, {{"Every Kind Title", "Every kind of control"}, {"Page(s)", "Pages"}});
+  std::filesystem::copy_file(kEveryKind, folder / "Contents/Resources/Every_Kind.interface.plist");
+  return bundle::Bundle::Open(folder);
 }
 
 Control& Find(Window& window, std::int32_t id) {
@@ -42,7 +32,7 @@ Control& Find(Window& window, std::int32_t id) {
 
 TEST(InterfaceFileLoading, EveryKindIsBuiltWithItsAttributesAndFoundByID) {
   TempDir dir;
-  bundle::BundleRef bundle = MakeBundle(dir);
+  bundle::BundleRef bundle = MakeEveryKindBundle(dir);
   ASSERT_TRUE(bundle);
   std::unique_ptr<InterfaceFile> file;
   std::string error;
@@ -103,7 +93,7 @@ TEST(InterfaceFileLoading, EveryKindIsBuiltWithItsAttributesAndFoundByID) {
 
 TEST(InterfaceFileLoading, MissingFilesAndWindowsGiveTheirStatus) {
   TempDir dir;
-  bundle::BundleRef bundle = MakeBundle(dir);
+  bundle::BundleRef bundle = MakeEveryKindBundle(dir);
   std::unique_ptr<InterfaceFile> file;
   std::string error;
   EXPECT_EQ(InterfaceFile::open(bundle, "Nowhere", &file, &error), kInterfaceFileNotFound);

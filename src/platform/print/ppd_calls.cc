@@ -1,4 +1,4 @@
-#include "vocabulary/ppd_calls.h"
+#include "platform/print/ppd_calls.h"
 
 // Deliberately not _CUPS_NO_DEPRECATED: with clang that turns the declarations into
 // errors instead of hiding them.
@@ -28,6 +28,15 @@ int MarkOption(ppd_file_t* ppd, const char* keyword, const char* choice) {
 }
 
 int Conflicts(ppd_file_t* ppd) { return ppdConflicts(ppd); }
+
+ppd_option_t* FirstOption(ppd_file_t* ppd) { return ppdFirstOption(ppd); }
+
+ppd_option_t* NextOption(ppd_file_t* ppd) { return ppdNextOption(ppd); }
+
+http_status_t GetPPD(http_t* http, const char* queue, time_t* modified, char* buffer,
+                     std::size_t size) {
+  return cupsGetPPD3(http, queue, modified, buffer, size);
+}
 
 ppd_option_t* FindOption(ppd_file_t* ppd, const char* keyword) {
   return ppdFindOption(ppd, keyword);

@@ -1,13 +1,17 @@
 // Thin wrappers over libcups' PPD functions. libcups marks its whole PPD API deprecated,
-// yet it is still the only library that reads and marks PPD files; every call goes
-// through here so that the warning is silenced in one file and nowhere else. Reading the
+// yet it is still the only library that reads, marks and fetches PPD files; every call
+// in the project goes through here so that the warning is silenced in one file and
+// nowhere else. Reading the
 // structures (ppd->groups, option->choices ...) needs no wrapper.
 #pragma once
 
+#include <cstddef>
+#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <string>
 
+#include <cups/cups.h>
 #include <cups/ppd.h>
 
 namespace varno::ppdcall {
@@ -25,6 +29,14 @@ void MarkDefaults(ppd_file_t* ppd);
 int MarkOption(ppd_file_t* ppd, const char* keyword, const char* choice);
 // ppdConflicts: the number of conflicts among the marked choices.
 int Conflicts(ppd_file_t* ppd);
+
+// ppdFirstOption / ppdNextOption: every option of the PPD in order; null at the end.
+ppd_option_t* FirstOption(ppd_file_t* ppd);
+ppd_option_t* NextOption(ppd_file_t* ppd);
+
+// cupsGetPPD3: fetches a queue's PPD over `http` into the file named in `buffer`.
+http_status_t GetPPD(http_t* http, const char* queue, time_t* modified, char* buffer,
+                     std::size_t size);
 
 // ppdFindOption / ppdFindChoice / ppdFindMarkedChoice: null when absent.
 ppd_option_t* FindOption(ppd_file_t* ppd, const char* keyword);
