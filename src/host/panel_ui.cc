@@ -1,0 +1,460 @@
+#include "host/panel_ui.h"
+
+#include <cfloat>
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include <unicode/unum.h>
+#include <unicode/ustring.h>
+
+#include "platform/toolkit/alerts.h"
+#include "platform/toolkit/interface_file.h"
+#include "platform/toolkit/text_editing.h"
+#include "vocabulary/ppd_access.h"
+
+namespace varno {
+
+using namespace toolkit;
+
+namespace {
+
+constexpr const char* kStringNotFound = "STRING NOT FOUND";
+constexpr const char* kStringTable = "Localizable";
+constexpr OSType kSummaryRedrawTag = MakeOSType("rdpm");
+
+// The code point of one character as SplitCharacters cuts it; a stray byte counts as the
+// code point of its value, as SplitCharacters counts it as one character.
+char32_t DecodeCharacter(std::string_view c) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(c[i]); };
+  if (c.size() == 2) return ((byte(0) & 0x1Fu) << 6) | (byte(1) & 0x3Fu);
+  if (c.size() == 3) return ((byte(0) & 0x0Fu) << 12) | ((byte(1) & 0x3Fu) << 6) | (byte(2) & 0x3Fu);
+  if (c.size() == 4)
+    return ((byte(0) & 0x07u) << 18) | ((byte(1) & 0x3Fu) << 12) | ((byte(2) & 0x3Fu) << 6) |
+           (byte(3) & 0x3Fu);
+  return c.empty() ? 0 : byte(0);
+}
+
+bool IsControlCharacter(std::string_view c) {
+  return c.size() == 1 && (static_cast<unsigned char>(c[0]) < 0x20 || c[0] == 0x7F);
+}
+
+std::optional<std::int32_t> ReadInt32Property(const Control& control, OSType tag) {
+  const Control::Bytes* bytes = control.property(kPanelUICreator, tag);
+  if (!bytes || bytes->size() != sizeof(std::int32_t)) return std::nullopt;
+  std::int32_t value;
+  std::memcpy(&value, bytes->data(), sizeof value);
+  return value;
+}
+
+void SetOrRemoveLength(Control& control, OSType tag, std::int32_t length) {
+  if (length < 1) {
+    control.removeProperty(kPanelUICreator, tag);
+    return;
+  }
+  Control::Bytes bytes(sizeof length);
+  std::memcpy(bytes.data(), &length, sizeof length);
+  control.setProperty(kPanelUICreator, tag, std::move(bytes));
+}
+
+// Marks a field that carries the handler already, so that limiting it again changes only
+// its properties and every keystroke is still checked (and announced) once.
+constexpr OSType kLimitHandlerTag = MakeOSType("Vlhd");
+
+void AnnounceState(Control& field, std::uint32_t state) {
+  Event event(kPanelUICreator, state);
+  Control* object = &field;
+  event.set(kEventParamDirectObject, typeControlRef, object);
+  field.send(event);
+}
+
+void AnnounceLengthState(Control& field) {
+  const std::int32_t length = CountCharacters(field.text());
+  const std::int32_t minimum = ReadInt32Property(field, kLimitMinLengthTag).value_or(1);
+  if (length == 0) AnnounceState(field, kInputStateEmpty);
+  else if (length < minimum) AnnounceState(field, kInputStateTooShort);
+  else AnnounceState(field, kInputStateLongEnough);
+}
+
+std::string FormatV(const char* format, va_list args) {
+  va_list copy;
+  va_copy(copy, args);
+  const int size = std::vsnprintf(nullptr, 0, format, copy);
+  va_end(copy);
+  if (size < 0) return {};
+  std::string text(static_cast<std::size_t>(size) + 1, '\0');
+  std::vsnprintf(text.data(), text.size(), format, args);
+  text.resize(static_cast<std::size_t>(size));
+  return text;
+}
+
+std::string LookUp(const bundle::BundleRef& bundle, const char* key) {
+  return bundle->localizedString(key, kStringTable, kStringNotFound);
+}
+
+}  // namespace
+
+// --- Character sets ------------------------------------------------------------------
+
+CharacterSet CharacterSet::Range(char32_t first, char32_t last) {
+  CharacterSet set;
+  set.addRange(first, last);
+  return set;
+}
+
+void CharacterSet::addCharacters(std::string_view characters) {
+  for (std::string_view c : SplitCharacters(characters)) points_.insert(DecodeCharacter(c));
+}
+
+void CharacterSet::addRange(char32_t first, char32_t last) {
+  for (char32_t c = first; c <= last && c >= first; ++c) points_.insert(c);
+}
+
+bool CharacterSet::containsAll(std::string_view characters) const {
+  for (std::string_view c : SplitCharacters(characters))
+    if (!contains(DecodeCharacter(c))) return false;
+  return true;
+}
+
+Control::Bytes CharacterSet::toBytes() const {
+  Control::Bytes bytes;
+  bytes.reserve(points_.size() * 4);
+  for (char32_t c : points_)
+    for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(c >> shift));
+  return bytes;
+}
+
+std::optional<CharacterSet> CharacterSet::fromBytes(const Control::Bytes& bytes) {
+  if (bytes.size() % 4 != 0) return std::nullopt;
+  CharacterSet set;
+  for (std::size_t i = 0; i < bytes.size(); i += 4) {
+    char32_t c = 0;
+    for (int k = 0; k < 4; ++k) c |= static_cast<char32_t>(bytes[i + k]) << (8 * k);
+    set.points_.insert(c);
+  }
+  return set;
+}
+
+// --- Limited text fields ---------------------------------------------------------------
+
+void LimitInputLengthAndCharacters(Control* field, std::int32_t minLength, std::int32_t maxLength,
+                                   const CharacterSet* allowedCharacters) {
+  if (!field) return;
+  SetOrRemoveLength(*field, kLimitMaxLengthTag, maxLength);
+  SetOrRemoveLength(*field, kLimitMinLengthTag, minLength);
+  if (allowedCharacters)
+    field->setProperty(kPanelUICreator, kLimitCharactersTag, allowedCharacters->toBytes());
+  else
+    field->removeProperty(kPanelUICreator, kLimitCharactersTag);
+
+  if (field->property(kPanelUICreator, kLimitHandlerTag)) return;
+  field->setProperty(kPanelUICreator, kLimitHandlerTag, {1});
+  static constexpr EventTypeSpec kTypes[] = {
+      {kEventClassTextInput, kEventTextInputUnicodeForKeyEvent},
+      {kEventClassControl, kEventControlDispose},
+      {kEventClassHIComboBox, kEventComboBoxListItemSelected},
+  };
+  field->installHandler(kTypes, LimitInputEventHandler, field);
+}
+
+OSStatus LimitInputEventHandler(EventHandlerCallRef call, EventRef event, void* userData) {
+  auto* field = static_cast<Control*>(userData);
+  if (!event || !field) return eventNotHandledErr;
+
+  if (event->is({kEventClassTextInput, kEventTextInputUnicodeForKeyEvent})) {
+    const std::string typed = event->text(kEventParamTextInputSendText).value_or(std::string());
+    const std::vector<std::string_view> characters = SplitCharacters(typed);
+    bool onlyControls = true;
+    for (std::string_view c : characters) onlyControls = onlyControls && IsControlCharacter(c);
+
+    if (!onlyControls) {
+      if (std::optional<std::int32_t> maximum = ReadInt32Property(*field, kLimitMaxLengthTag)) {
+        const TextRange selection = field->selection();
+        const std::int64_t after = std::int64_t{CountCharacters(field->text())} +
+                                   static_cast<std::int64_t>(characters.size()) -
+                                   (selection.end - selection.start);
+        if (after > *maximum) {
+          SysBeep(10);
+          return noErr;
+        }
+      }
+      if (const Control::Bytes* bytes = field->property(kPanelUICreator, kLimitCharactersTag)) {
+        std::optional<CharacterSet> allowed = CharacterSet::fromBytes(*bytes);
+        if (!allowed || !allowed->containsAll(typed)) {
+          SysBeep(10);
+          return noErr;
+        }
+      }
+    }
+
+    auto alive = field->watch();
+    const OSStatus status = CallNextEventHandler(call, event);
+    if (!alive.expired()) AnnounceLengthState(*field);
+    return status;
+  }
+  if (event->is({kEventClassControl, kEventControlDispose})) {
+    field->removeProperty(kPanelUICreator, kLimitCharactersTag);
+    return eventNotHandledErr;
+  }
+  if (event->is({kEventClassHIComboBox, kEventComboBoxListItemSelected})) {
+    AnnounceState(*field, kInputStateLongEnough);
+    return eventNotHandledErr;
+  }
+  return eventNotHandledErr;
+}
+
+// --- The custom value dialog -------------------------------------------------------------
+
+OSStatus RunModalCustomValueDialog(const bundle::BundleRef& bundle, std::int32_t minLength,
+                                   std::int32_t maxLength, std::optional<std::string>* text,
+                                   std::uint16_t* result) {
+  if (!text || !result) return paramErr;
+  std::unique_ptr<InterfaceFile> file;
+  std::string error;
+  OSStatus status = InterfaceFile::open(bundle, "Utilities", &file, &error);
+  std::unique_ptr<Window> window;
+  if (status == noErr) status = file->createWindow("CustomValue", &window, &error);
+  if (status != noErr) {
+    std::fprintf(stderr, "RunModalCustomValueDialog() failed (%d): %s\n", status, error.c_str());
+    return status;
+  }
+
+  CustomValueDialogState state{window.get(), bundle, 2};
+  static constexpr EventTypeSpec kCommand[] = {{kEventClassCommand, kEventCommandProcess}};
+  window->installHandler(kCommand, CustomValueEventHandler, &state);
+  Control* field = window->findByID(kCustomValueFieldID);
+  LimitInputLengthAndCharacters(field, minLength, maxLength, nullptr);
+  if (field && text->has_value()) field->setText(**text);
+
+  window->setVisible(true);
+  window->setFocus(field);
+  window->runModalLoop();
+
+  *result = state.result;
+  if (state.result == 1 && field) *text = field->text();
+  else *text = std::nullopt;
+  return noErr;
+}
+
+OSStatus CustomValueEventHandler(EventHandlerCallRef, EventRef event, void* dialogState) {
+  auto* state = static_cast<CustomValueDialogState*>(dialogState);
+  if (!event || !state || !event->is({kEventClassCommand, kEventCommandProcess}))
+    return eventNotHandledErr;
+  HICommand command;
+  const OSStatus status = event->getParameter(kEventParamDirectObject, typeHICommand, nullptr,
+                                              sizeof command, nullptr, &command);
+  if (status != noErr) return status;
+  if (command.commandID == kHICommandOK || command.commandID == kHICommandCancel) {
+    state->result = command.commandID == kHICommandOK ? 1 : 2;
+    if (state->window) state->window->quitModalLoop();
+    return noErr;
+  }
+  if (command.commandID == kCustomValueHelpCommand && state->bundle) {
+    const plist::Value* book = state->bundle->infoValue("CFBundleHelpBookName");
+    const std::string* name = book ? book->asString() : nullptr;
+    AHGotoPage(name ? *name : std::string(), kCustomValueHelpPage, {});
+  }
+  return status;
+}
+
+// --- Localized texts ---------------------------------------------------------------------
+
+void SetLocalizedStaticText(const bundle::BundleRef& bundle, const char* key, Control* control,
+                            ...) {
+  if (!bundle || !key || !control) return;
+  const std::string format = LookUp(bundle, key);
+  va_list args;
+  va_start(args, control);
+  std::string text = FormatV(format.c_str(), args);
+  va_end(args);
+  control->setText(std::move(text));
+  control->draw();
+}
+
+void SetLocalizedControlTitle(const bundle::BundleRef& bundle, const char* key, Control* control,
+                              ...) {
+  if (!bundle || !key || !control) return;
+  const std::string format = LookUp(bundle, key);
+  va_list args;
+  va_start(args, control);
+  std::string text = FormatV(format.c_str(), args);
+  va_end(args);
+  control->setText(std::move(text));
+}
+
+void SetLocalizedWindowTitle(const bundle::BundleRef& bundle, const char* key, Window* window,
+                             ...) {
+  if (!bundle || !key || !window) return;
+  const std::string format = LookUp(bundle, key);
+  va_list args;
+  va_start(args, window);
+  std::string text = FormatV(format.c_str(), args);
+  va_end(args);
+  window->setText(std::move(text));
+}
+
+void SetLocalizedMenuTitle(const bundle::BundleRef& bundle, const char* key, Menu* menu,
+                           MenuItemIndex item, ...) {
+  if (!bundle || !key || !menu) return;
+  const std::string format = LookUp(bundle, key);
+  va_list args;
+  va_start(args, item);
+  std::string text = FormatV(format.c_str(), args);
+  va_end(args);
+  menu->setItemText(item, std::move(text));
+}
+
+// --- Numbers and limits --------------------------------------------------------------------
+
+void GetMediaLimits(float* minWidth, float* minHeight, float* maxWidth, float* maxHeight) {
+  float limits[4] = {432.0f, 432.0f, 864.0f, 864.0f};
+  if (ppd_file_t* ppd = PPDGetCurrent()) {
+    limits[0] = ppd->custom_min[0];
+    limits[1] = ppd->custom_min[1];
+    limits[2] = ppd->custom_max[0];
+    limits[3] = ppd->custom_max[1];
+  }
+  float* out[4] = {minWidth, minHeight, maxWidth, maxHeight};
+  for (int i = 0; i < 4; ++i)
+    if (out[i]) *out[i] = limits[i];
+}
+
+int CountDigits(std::int64_t n) {
+  if (n == 0) return 1;
+  // The epsilon keeps exact powers of ten from landing just below their digit count.
+  return static_cast<int>(std::log10(std::fabs(static_cast<double>(n))) + 1.0 + DBL_EPSILON);
+}
+
+std::string CreateLocalizedCFStringFromNumberWithDecimals(double value, int decimals,
+                                                          const char* locale) {
+  if (decimals < 0 || decimals > 15) return {};
+  UErrorCode error = U_ZERO_ERROR;
+  UNumberFormat* format = unum_open(UNUM_DECIMAL, nullptr, 0, locale, nullptr, &error);
+  if (U_FAILURE(error)) return {};
+  unum_setAttribute(format, UNUM_GROUPING_USED, 0);
+  unum_setAttribute(format, UNUM_MIN_FRACTION_DIGITS, decimals);
+  unum_setAttribute(format, UNUM_MAX_FRACTION_DIGITS, decimals);
+  UChar buffer[128];
+  const int32_t length = unum_formatDouble(format, value, buffer, 128, nullptr, &error);
+  unum_close(format);
+  if (U_FAILURE(error) || length >= 128) return {};
+  char utf8[512];
+  int32_t utf8Length = 0;
+  u_strToUTF8(utf8, sizeof utf8, &utf8Length, buffer, length, &error);
+  if (U_FAILURE(error)) return {};
+  return std::string(utf8, static_cast<std::size_t>(utf8Length));
+}
+
+// --- Bundles ---------------------------------------------------------------------------------
+
+bool LoadPrivateBundle(const bundle::BundleRef& bundle, std::string_view name,
+                       bundle::BundleRef* loaded) {
+  if (loaded) *loaded = nullptr;
+  if (!bundle || !loaded || name.empty()) return false;
+  const std::filesystem::path path = bundle->privatePlugInsPath() / name;
+  std::error_code ignored;
+  if (!std::filesystem::is_directory(path, ignored)) return false;
+  bundle::BundleRef opened = bundle::Bundle::Open(path);
+  if (!opened || !opened->load()) return false;  // a half-opened bundle goes with `opened`
+  *loaded = std::move(opened);
+  return true;
+}
+
+// --- View geometry -----------------------------------------------------------------------------
+
+void TranslateView(Control* view, std::int32_t dx, std::int32_t dy) {
+  if (!view) return;
+  Rect r = view->bounds();
+  view->setBounds({r.top + dy, r.left + dx, r.bottom + dy, r.right + dx});
+}
+
+OSStatus AppendViewFromWindowAndUnpack(Control* parent, Window* window, ControlID viewID,
+                                       std::int32_t* offset) {
+  if (!parent || !window || !offset) return paramErr;
+  Control* view = window->findByID(viewID);
+  if (!view) return errUnknownControl;
+  const Rect old = view->bounds();
+  view->setBounds({*offset, 0, *offset + old.height(), old.width()});
+  const std::int32_t top = *offset;
+  *offset += old.height();
+  while (view->childCount() > 0) {
+    Control* child = view->child(0);
+    if (OSStatus status = parent->embed(*child); status != noErr) return status;
+    TranslateView(child, 0, top);
+  }
+  return noErr;
+}
+
+Rect GetBestControlRect(const Control& control) {
+  struct Measure {
+    std::int32_t frame;
+    std::int32_t height;
+  };
+  std::optional<Measure> measure;
+  switch (control.kind()) {
+    case ControlKind::StaticText: measure = Measure{4, 16}; break;
+    case ControlKind::EditText: measure = Measure{4, 22}; break;
+    case ControlKind::PushButton:
+    case ControlKind::BevelButton: measure = Measure{24, 20}; break;
+    case ControlKind::CheckBox:
+    case ControlKind::RadioButton: measure = Measure{20, 18}; break;
+    case ControlKind::PopupButton: measure = Measure{32, 20}; break;
+    default: break;
+  }
+  const Rect& r = control.bounds();
+  if (!measure) return r;
+  const std::int32_t width = CountCharacters(control.text()) * kBestCharWidth + measure->frame;
+  return {r.top, r.left, r.top + measure->height, r.left + width};
+}
+
+OSStatus SetControlBestRect(Control* control, std::uint32_t alignment, std::int32_t* dx,
+                            std::int32_t* dy) {
+  if (!control) return paramErr;
+  const Rect old = control->bounds();
+  const Rect best = GetBestControlRect(*control);
+  const std::int32_t width = best.width(), height = best.height();
+  std::int32_t top, left;
+  if (alignment & kAlignTop) top = old.top;
+  else if (alignment & kAlignBottom) top = old.bottom - height;
+  else top = old.top + (old.height() - height) / 2;
+  if (alignment & kAlignLeft) left = old.left;
+  else if (alignment & kAlignRight) left = old.right - width;
+  else left = old.left + (old.width() - width) / 2;
+  control->setBounds({top, left, top + height, left + width});
+  if (dx) *dx += width - old.width();
+  if (dy) *dy += height - old.height();
+  return noErr;
+}
+
+OSStatus UpdateSummaryTextView(Control* view, const std::string* text) {
+  if (!view || !text) return paramErr;
+  view->setData(kControlNoPart, kSummaryRedrawTag, {0});
+  view->setText(*text);
+  view->setData(kControlNoPart, kSummaryRedrawTag, {1});
+  return noErr;
+}
+
+void UpdateTabControl(Control* tabControl, std::span<Control* const> panes) {
+  if (!tabControl) return;
+  const std::int32_t selected = tabControl->value();
+  for (std::size_t i = 0; i < panes.size(); ++i) {
+    Control* pane = panes[i];
+    if (!pane) continue;
+    const bool chosen = static_cast<std::int32_t>(i + 1) == selected;
+    pane->setVisible(chosen);
+    pane->setEnabled(chosen);
+    pane->setActive(chosen);
+  }
+  tabControl->draw();
+}
+
+OSStatus InitializeIcon(Control* imageView, std::string name) {
+  if (!imageView || imageView->kind() != ControlKind::ImageView) return paramErr;
+  imageView->setPictureName(std::move(name));
+  return noErr;
+}
+
+}  // namespace varno

@@ -1,0 +1,168 @@
+// User-interface pieces every panel shares: text fields that limit what can be typed and
+// announce whether their content is long enough, the modal dialog that asks for one
+// custom value, localized titles with format arguments, the printer's custom paper size
+// limits and a few view-geometry helpers.
+//
+// Main thread only, as the toolkit is.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/bundle/bundle.h"
+#include "platform/toolkit/control.h"
+#include "platform/toolkit/event_target.h"
+#include "platform/toolkit/menu.h"
+#include "platform/toolkit/window.h"
+
+namespace varno {
+
+// The creator of the limit properties and the class of the state events of a field.
+inline constexpr OSType kPanelUICreator = MakeOSType("VPDE");
+inline constexpr OSType kLimitMaxLengthTag = MakeOSType("Vlen");  // int32 maximum length
+inline constexpr OSType kLimitMinLengthTag = MakeOSType("Vmln");  // int32 minimum length
+inline constexpr OSType kLimitCharactersTag = MakeOSType("Vchr");  // the allowed characters
+// The state a limited field announces to itself, as the kind of an event of class 'VPDE'
+// with the field as direct object.
+inline constexpr std::uint32_t kInputStateLongEnough = MakeOSType("ICso");
+inline constexpr std::uint32_t kInputStateTooShort = MakeOSType("ICfw");
+inline constexpr std::uint32_t kInputStateEmpty = MakeOSType("ICno");
+
+// The custom value dialog's edit field and its buttons' commands.
+inline constexpr toolkit::ControlID kCustomValueFieldID{kPanelUICreator, 123456};
+inline constexpr toolkit::MenuCommand kCustomValueHelpCommand = MakeOSType("Vhlp");
+inline constexpr const char* kCustomValueHelpPage = "image_options/db_custom_color_d.htm";
+
+// A set of characters (Unicode code points) that a field accepts.
+class CharacterSet {
+ public:
+  CharacterSet() = default;
+  // Every character of a UTF-8 text.
+  explicit CharacterSet(std::string_view characters) { addCharacters(characters); }
+  // The characters first..last, both included.
+  static CharacterSet Range(char32_t first, char32_t last);
+
+  void addCharacters(std::string_view characters);
+  void addRange(char32_t first, char32_t last);
+  bool contains(char32_t c) const { return points_.contains(c); }
+  // True when every character of the UTF-8 text is in the set.
+  bool containsAll(std::string_view characters) const;
+  std::size_t size() const { return points_.size(); }
+
+  // The set as property bytes (four little-endian bytes per code point, ascending) and
+  // back; fromBytes gives nullopt for bytes that are no whole number of code points.
+  toolkit::Control::Bytes toBytes() const;
+  static std::optional<CharacterSet> fromBytes(const toolkit::Control::Bytes& bytes);
+
+  friend bool operator==(const CharacterSet&, const CharacterSet&) = default;
+
+ private:
+  std::set<char32_t> points_;
+};
+
+// Limits a text field: a length below 1 removes its property ('Vmln' minimum, 'Vlen'
+// maximum), a null set removes the allowed characters, a set is copied into the field's
+// 'Vchr' property, which the field keeps until it goes. Installs LimitInputEventHandler
+// on the field (once per field) for typed text, disposal and combo-box list choices.
+// Nothing happens for a null field.
+void LimitInputLengthAndCharacters(toolkit::Control* field, std::int32_t minLength,
+                                   std::int32_t maxLength, const CharacterSet* allowedCharacters);
+// `field` is the limited control. Drops typed text that would exceed the maximum or holds
+// a character outside the allowed set (with a beep, returning 0); lets the rest edit the
+// field and then announces 'ICno', 'ICfw' or 'ICso'. Disposal drops 'Vchr'; a combo-box
+// list choice announces 'ICso'; both, and anything else, return eventNotHandledErr.
+OSStatus LimitInputEventHandler(toolkit::EventHandlerCallRef call, toolkit::EventRef event,
+                                void* field);
+
+// What the custom value dialog's handler works on while it runs.
+struct CustomValueDialogState {
+  toolkit::Window* window = nullptr;
+  bundle::BundleRef bundle;
+  std::uint16_t result = 2;  // 1 OK, 2 Cancel
+};
+// Shows the window "CustomValue" of the interface file "Utilities" of `bundle` with the
+// field limited to minLength..maxLength characters and preset to `*text` when it holds
+// one, and runs it modally. `*result` := 1 for OK, which also puts the field's text into
+// `*text`, else 2 and `*text` := nullopt. Returns the status of opening the file or the
+// window (nothing else is touched then), paramErr for null outputs, else noErr.
+OSStatus RunModalCustomValueDialog(const bundle::BundleRef& bundle, std::int32_t minLength,
+                                   std::int32_t maxLength, std::optional<std::string>* text,
+                                   std::uint16_t* result);
+// Command handler of that dialog; `dialogState` is a CustomValueDialogState. "ok  " and
+// "not!" set the result and end the loop (0); "Vhlp" opens the help page in the bundle's
+// help book; any command returns the status of reading it from the event.
+OSStatus CustomValueEventHandler(toolkit::EventHandlerCallRef call, toolkit::EventRef event,
+                                 void* dialogState);
+
+// Localized texts: `key` is looked up in the bundle's "Localizable" table ("STRING NOT
+// FOUND" when missing) and the text is used as a printf format for the arguments that
+// follow, so the table's conversions must match what the caller passes ("%%" for a
+// percent sign). Nothing happens for a null bundle, key or target.
+void SetLocalizedStaticText(const bundle::BundleRef& bundle, const char* key,
+                            toolkit::Control* control, ...);  // then redraws the control
+void SetLocalizedControlTitle(const bundle::BundleRef& bundle, const char* key,
+                              toolkit::Control* control, ...);
+void SetLocalizedWindowTitle(const bundle::BundleRef& bundle, const char* key,
+                             toolkit::Window* window, ...);
+void SetLocalizedMenuTitle(const bundle::BundleRef& bundle, const char* key, toolkit::Menu* menu,
+                           toolkit::MenuItemIndex item, ...);
+
+// The custom paper size limits of the shared PPD in points; 432, 432, 864, 864 without
+// one. Null outputs are skipped.
+void GetMediaLimits(float* minWidth, float* minHeight, float* maxWidth, float* maxHeight);
+
+// The number of decimal digits of |n|; 1 for 0.
+int CountDigits(std::int64_t n);
+
+// Opens the private bundle `name` of the bundle's PlugIns folder and loads its code.
+// `*loaded` := it, or null on any failure.
+bool LoadPrivateBundle(const bundle::BundleRef& bundle, std::string_view name,
+                       bundle::BundleRef* loaded);
+
+// Moves the view by dx to the right and dy down; nothing for null.
+void TranslateView(toolkit::Control* view, std::int32_t dx, std::int32_t dy);
+// Moves the view `viewID` of `window` to (0, *offset) in `parent`'s coordinates, adds its
+// height to `*offset`, then moves its subviews, in order, into `parent` where they keep
+// their place on the page (their bounds shift by the view's new origin). Returns the
+// first failing status: errUnknownControl when the window has no such view, paramErr
+// for null arguments, or what embedding refused.
+OSStatus AppendViewFromWindowAndUnpack(toolkit::Control* parent, toolkit::Window* window,
+                                       toolkit::ControlID viewID, std::int32_t* offset);
+
+// Alignment bits of SetControlBestRect; neither bit of a pair centres on that axis.
+inline constexpr std::uint32_t kAlignTop = 1;
+inline constexpr std::uint32_t kAlignBottom = 2;
+inline constexpr std::uint32_t kAlignLeft = 4;
+inline constexpr std::uint32_t kAlignRight = 8;
+// The size a control needs for its text. Text kinds measure kBestCharWidth points per
+// character plus their frame (buttons 24, check boxes and radio buttons 20, pop-ups 32,
+// static text and edit text 4) at a fixed height (static text 16, check boxes and radio
+// buttons 18, edit text 22, buttons and pop-ups 20). Other kinds keep their size.
+inline constexpr std::int32_t kBestCharWidth = 7;
+toolkit::Rect GetBestControlRect(const toolkit::Control& control);
+// Gives the control its best size, anchored within its old bounds as `alignment` says;
+// adds the width and height changes to `*dx` and `*dy` when given. paramErr for null.
+OSStatus SetControlBestRect(toolkit::Control* control, std::uint32_t alignment, std::int32_t* dx,
+                            std::int32_t* dy);
+
+// Sets the view's text between setting its one-byte data 'rdpm' to 0 and to 1, so a
+// renderer redraws once. paramErr for a null view or text.
+OSStatus UpdateSummaryTextView(toolkit::Control* view, const std::string* text);
+
+// Shows, enables and activates the pane of the selected tab (value 1 is panes[0]) and
+// hides, disables and deactivates the others, then redraws the tab control.
+void UpdateTabControl(toolkit::Control* tabControl, std::span<toolkit::Control* const> panes);
+
+// `value` with exactly `decimals` decimals (0 to 15), without grouping, in the locale
+// `locale` (an ICU locale ID such as "de_DE"; null: the default locale). Empty on failure.
+std::string CreateLocalizedCFStringFromNumberWithDecimals(double value, int decimals,
+                                                          const char* locale = nullptr);
+
+// Gives an image view the picture `name`; paramErr for null or another kind.
+OSStatus InitializeIcon(toolkit::Control* imageView, std::string name);
+
+}  // namespace varno

@@ -1,0 +1,274 @@
+#include "host/panel_ui.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/ticket_access.h"
+#include "platform/print/session.h"
+#include "platform/toolkit/alerts.h"
+#include "platform/toolkit/automation.h"
+#include "platform/toolkit/text_editing.h"
+#include "platform/toolkit/toolkit_test_support.h"
+#include "support/bundle_folder.h"
+#include "support/temp_dir.h"
+#include "vocabulary/ppd_access.h"
+
+namespace varno {
+namespace {
+
+using namespace varno::toolkit;
+using testing::TempDir;
+
+const std::filesystem::path kResources = VARNO_TEST_DATA_DIR "/../../resources";
+
+// A field limited by the code under test, with every state event it announces recorded.
+class LimitedFieldTest : public testing::ToolkitTest {
+ protected:
+  LimitedFieldTest() : field(add(ControlKind::EditText, 1)) { Record(field); }
+
+  void Record(Control& control) {
+    static constexpr EventTypeSpec kStates[] = {{kPanelUICreator, kInputStateEmpty},
+                                                {kPanelUICreator, kInputStateTooShort},
+                                                {kPanelUICreator, kInputStateLongEnough}};
+    control.installHandler({std::begin(kStates), std::end(kStates)},
+                           [this, &control](EventHandlerCallRef, Event& event) {
+                             EXPECT_EQ(event.control(), &control);
+                             states.push_back(OSTypeString(event.kind()));
+                             return eventNotHandledErr;
+                           });
+  }
+  std::vector<std::int16_t> beeps() const { return HeadlessAlerts().beeps(); }
+
+  Control& field;
+  std::vector<std::string> states;
+};
+
+TEST_F(LimitedFieldTest, MaximumLengthDropsTheKeystrokeThatWouldExceedItButCountsTheSelection) {
+  LimitInputLengthAndCharacters(&field, 0, 4, nullptr);
+  ASSERT_EQ(TypeText(field, "1234"), noErr);
+  EXPECT_EQ(field.text(), "1234");
+  EXPECT_TRUE(beeps().empty());
+  states.clear();
+
+  TypeText(field, "5");
+  EXPECT_EQ(field.text(), "1234");
+  EXPECT_EQ(beeps(), std::vector<std::int16_t>{10});
+  EXPECT_TRUE(states.empty()) << "a dropped keystroke changes nothing, so announces nothing";
+  PasteText(field, "99");
+  EXPECT_EQ(field.text(), "1234");
+  EXPECT_EQ(beeps().size(), 2u);
+
+  field.setSelection({0, 2});
+  TypeText(field, "ab");
+  EXPECT_EQ(field.text(), "ab34");
+  EXPECT_EQ(beeps().size(), 2u);
+}
+
+TEST_F(LimitedFieldTest, CharactersOutsideTheSetAreDroppedButEditingKeysAlwaysPass) {
+  const CharacterSet digits = CharacterSet::Range(U'0', U'9');
+  LimitInputLengthAndCharacters(&field, 0, 3, &digits);
+  TypeText(field, "1a2");
+  EXPECT_EQ(field.text(), "12");
+  EXPECT_EQ(beeps().size(), 1u);
+  PasteText(field, "3x");
+  EXPECT_EQ(field.text(), "12") << "a paste with one stranger goes as a whole";
+  EXPECT_EQ(beeps().size(), 2u);
+  TypeText(field, "3");
+  EXPECT_EQ(field.text(), "123");
+
+  // At the maximum and with a set that holds no control character, backspace still edits.
+  PressKey(*window, kBackspaceCharCode);
+  EXPECT_EQ(field.text(), "12");
+  PressKey(*window, kLeftArrowCharCode);
+  PressKey(*window, kBackspaceCharCode);
+  EXPECT_EQ(field.text(), "2");
+  EXPECT_EQ(beeps().size(), 2u);
+
+  // Characters beyond ASCII are checked as whole characters.
+  const CharacterSet accents("éü");
+  LimitInputLengthAndCharacters(&field, 0, 0, &accents);
+  field.setText("");
+  TypeText(field, "üeé");
+  EXPECT_EQ(field.text(), "üé");
+  EXPECT_EQ(beeps().size(), 3u);
+
+  // Limiting again without a set lifts the restriction.
+  LimitInputLengthAndCharacters(&field, 0, 0, nullptr);
+  EXPECT_EQ(field.property(kPanelUICreator, kLimitCharactersTag), nullptr);
+  TypeText(field, "x");
+  EXPECT_EQ(field.text(), "üéx");
+}
+
+TEST_F(LimitedFieldTest, EachEditAnnouncesWhetherTheTextIsEmptyShortOrLongEnoughOnce) {
+  LimitInputLengthAndCharacters(&field, 3, 0, nullptr);
+  LimitInputLengthAndCharacters(&field, 3, 0, nullptr);  // a second call adds no handler
+  TypeText(field, "abc");
+  PressKey(*window, kBackspaceCharCode);
+  PressKey(*window, kBackspaceCharCode);
+  PressKey(*window, kBackspaceCharCode);
+  EXPECT_EQ(states, (std::vector<std::string>{"ICfw", "ICfw", "ICso", "ICfw", "ICfw", "ICno"}));
+
+  // Without a minimum, one character is enough.
+  states.clear();
+  LimitInputLengthAndCharacters(&field, 0, 0, nullptr);
+  TypeText(field, "a");
+  EXPECT_EQ(states, std::vector<std::string>{"ICso"});
+}
+
+TEST_F(LimitedFieldTest, AComboBoxListChoiceAnnouncesLongEnough) {
+  Control& combo = add(ControlKind::ComboBox, 2);
+  MenuPtr menu = Menu::create();
+  menu->appendItem("A4");
+  ASSERT_EQ(combo.setMenu(menu), noErr);
+  Record(combo);
+  LimitInputLengthAndCharacters(&combo, 5, 0, nullptr);
+  ASSERT_EQ(ChooseMenuItem(combo, 1), noErr);
+  EXPECT_EQ(combo.text(), "A4") << "the choice still reaches the standard behaviour";
+  EXPECT_EQ(states, std::vector<std::string>{"ICso"});
+}
+
+TEST_F(LimitedFieldTest, DisposalDropsTheAllowedSet) {
+  Control& other = add(ControlKind::EditText, 2);
+  bool hadSetWhenOlderHandlerRan = true;
+  static constexpr EventTypeSpec kDispose[] = {{kEventClassControl, kEventControlDispose}};
+  other.installHandler({std::begin(kDispose), std::end(kDispose)},
+                       [&](EventHandlerCallRef, Event&) {
+                         hadSetWhenOlderHandlerRan =
+                             other.property(kPanelUICreator, kLimitCharactersTag) != nullptr;
+                         return eventNotHandledErr;
+                       });
+  const CharacterSet set("ab");
+  LimitInputLengthAndCharacters(&other, 0, 0, &set);
+  ASSERT_NE(other.property(kPanelUICreator, kLimitCharactersTag), nullptr);
+  ASSERT_EQ(other.dispose(), noErr);
+  EXPECT_FALSE(hadSetWhenOlderHandlerRan);
+  LimitInputLengthAndCharacters(nullptr, 1, 1, &set);  // harmless
+}
+
+TEST(CountDigits, CountsDigitsOfTheMagnitudeAndExactPowersOfTenDoNotFallShort) {
+  EXPECT_EQ(CountDigits(1000), 4);
+  EXPECT_EQ(CountDigits(-7), 1);
+  EXPECT_EQ(CountDigits(0), 1);
+  std::int64_t power = 1;
+  for (int digits = 1; digits <= 15; ++digits, power *= 10) {
+    EXPECT_EQ(CountDigits(power), digits) << power;
+    EXPECT_EQ(CountDigits(-power), digits) << -power;
+    if (digits > 1) {
+      EXPECT_EQ(CountDigits(power - 1), digits - 1) << power - 1;
+    }
+  }
+}
+
+TEST(LocalizedNumbers, UseTheLocalesSeparatorAndExactlyTheDecimalsAsked) {
+  EXPECT_EQ(CreateLocalizedCFStringFromNumberWithDecimals(1.5, 2, "de_DE"), "1,50");
+  EXPECT_EQ(CreateLocalizedCFStringFromNumberWithDecimals(1234.56, 1, "en_US"), "1234.6");
+  EXPECT_EQ(CreateLocalizedCFStringFromNumberWithDecimals(2.4, 0, "en_US"), "2");
+  EXPECT_EQ(CreateLocalizedCFStringFromNumberWithDecimals(1.0, -1, "en_US"), "");
+}
+
+TEST(MediaLimits, ComeFromTheSharedPPDOrTheFixedDefaults) {
+  float minW = 0, minH = 0, maxW = 0, maxH = 0;
+  GetMediaLimits(&minW, &minH, &maxW, &maxH);
+  EXPECT_EQ((std::vector<float>{minW, minH, maxW, maxH}),
+            (std::vector<float>{432.0f, 432.0f, 864.0f, 864.0f}));
+
+  print::Session session;
+  session.setPrinterPPD((kResources / "ppd/Varno-AT120A.ppd").string());
+  SetCurrentPrintSession(&session);
+  GetMediaLimits(&minW, &minH, &maxW, &maxH);
+  GetMediaLimits(nullptr, nullptr, nullptr, nullptr);
+  PPDCloseCurrent();
+  SetCurrentPrintSession(nullptr);
+  EXPECT_EQ((std::vector<float>{minW, minH, maxW, maxH}),
+            (std::vector<float>{216.0f, 360.0f, 907.0f, 1368.0f}));
+}
+
+// The dialog runs from a test bundle that holds the product's interface file.
+class CustomValueDialogTest : public testing::ToolkitTest {
+ protected:
+  CustomValueDialogTest() {
+    testing::WriteBundleFolder(dir, {{"Custom", "Custom"}});
+    dir.write("Test.plugin/Contents/Info.plist",
+              "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>"
+              "<key>CFBundleIdentifier</key><string>com.varno.test.ui</string>"
+              "<key>CFBundleHelpBookName</key><string>Test Help</string></dict></plist>");
+    std::filesystem::copy_file(kResources / "interfaces/Utilities.interface.plist",
+                               dir / "Test.plugin/Contents/Resources/Utilities.interface.plist");
+    bundle = bundle::Bundle::Open(dir / "Test.plugin");
+  }
+
+  TempDir dir;
+  bundle::BundleRef bundle;
+  AutomationScript& script = Application::shared().script();
+  std::optional<std::string> text;
+  std::uint16_t result = 0;
+};
+
+TEST_F(CustomValueDialogTest, OKReturnsTheLimitedTextAndHelpOpensThePageOfTheBundlesBook) {
+  ASSERT_NE(bundle, nullptr);
+  script.sendCommand(kCustomValueHelpCommand);
+  script.typeText(kCustomValueFieldID, "12345");
+  script.sendCommand(kHICommandOK);
+  ASSERT_EQ(RunModalCustomValueDialog(bundle, 1, 4, &text, &result), noErr);
+  EXPECT_TRUE(script.failures().empty());
+  EXPECT_EQ(result, 1);
+  EXPECT_EQ(text, "1234");
+  EXPECT_EQ(HeadlessAlerts().beeps().size(), 1u);
+  ASSERT_EQ(HeadlessAlerts().helpRequests().size(), 1u);
+  EXPECT_EQ(HeadlessAlerts().helpRequests()[0],
+            (HelpRequest{"Test Help", "image_options/db_custom_color_d.htm", ""}));
+}
+
+TEST_F(CustomValueDialogTest, ThePresetTextIsEditedAndCancelOrAnEndedScriptGiveNoText) {
+  text = "ab";
+  script.typeText(kCustomValueFieldID, "c");
+  script.sendCommand(kHICommandOK);
+  ASSERT_EQ(RunModalCustomValueDialog(bundle, 1, 10, &text, &result), noErr);
+  EXPECT_EQ(text, "abc");
+  EXPECT_EQ(result, 1);
+
+  script.typeText(kCustomValueFieldID, "d");
+  script.sendCommand(kHICommandCancel);
+  ASSERT_EQ(RunModalCustomValueDialog(bundle, 1, 10, &text, &result), noErr);
+  EXPECT_EQ(text, std::nullopt);
+  EXPECT_EQ(result, 2);
+
+  text = "left alone";
+  result = 0;
+  script.typeText(kCustomValueFieldID, "x");
+  ASSERT_EQ(RunModalCustomValueDialog(bundle, 1, 10, &text, &result), noErr);
+  EXPECT_EQ(text, std::nullopt);
+  EXPECT_EQ(result, 2);
+}
+
+TEST_F(CustomValueDialogTest, AMissingInterfaceFileIsReportedAndNothingTouched) {
+  std::filesystem::remove(dir / "Test.plugin/Contents/Resources/Utilities.interface.plist");
+  text = "kept";
+  EXPECT_EQ(RunModalCustomValueDialog(bundle, 1, 4, &text, &result), kInterfaceFileNotFound);
+  EXPECT_EQ(text, "kept");
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(RunModalCustomValueDialog(nullptr, 1, 4, &text, &result), paramErr);
+}
+
+TEST_F(CustomValueDialogTest, LocalizedTitlesFormatTheTableTextWithTheArguments) {
+  bundle = testing::MakeBundle(dir, {{"Copies", "%d of %s"}, {"Pct", "%d%%"}});
+  ASSERT_NE(bundle, nullptr);
+  Control& label = add(ControlKind::StaticText, 1);
+  Control& button = add(ControlKind::PushButton, 2);
+  SetLocalizedStaticText(bundle, "Copies", &label, 3, "ten");
+  EXPECT_EQ(label.text(), "3 of ten");
+  SetLocalizedControlTitle(bundle, "Pct", &button, 50);
+  EXPECT_EQ(button.text(), "50%");
+  SetLocalizedWindowTitle(bundle, "Missing", window.get());
+  EXPECT_EQ(window->text(), "STRING NOT FOUND");
+  SetLocalizedStaticText(nullptr, "Copies", &label, 4, "x");
+  SetLocalizedStaticText(bundle, nullptr, &label, 4, "x");
+  EXPECT_EQ(label.text(), "3 of ten");
+}
+
+}  // namespace
+}  // namespace varno
