@@ -2,22 +2,23 @@
 
 #include <new>
 
+#include "host/dialog_host.h"
+
 namespace varno::host {
 namespace {
 
-// The PDE table. The dialog host's Prologue ... Terminate join it with the host itself;
-// until then the framework driver refuses to call the empty slots.
+// The PDE table: the object's own entries, then the dialog host's.
 constexpr print::PDEInterfaceTable kPDETable = {
     .Retain = Retain,
     .Release = Release,
     .GetAPIVersion = GetAPIVersion,
-    .Prologue = nullptr,
-    .Initialize = nullptr,
-    .Sync = nullptr,
-    .GetSummaryText = nullptr,
-    .Open = nullptr,
-    .Close = nullptr,
-    .Terminate = nullptr,
+    .Prologue = HostPrologue,
+    .Initialize = HostInitialize,
+    .Sync = HostSync,
+    .GetSummaryText = HostGetSummaryText,
+    .Open = HostOpen,
+    .Close = HostClose,
+    .Terminate = HostTerminate,
 };
 
 VarnoPDEPlugInInstance* AsInstance(void* thisPointer) {

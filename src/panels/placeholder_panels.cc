@@ -1,0 +1,86 @@
+// The four built-in panels' getters. Each panel so far only makes and frees its context
+// (title, kind, creator); their controls, ticket handling and summaries come with each
+// panel's own work.
+#include <new>
+#include <string>
+
+#include "host/dialog_host.h"
+#include "host/pde_bundle.h"
+
+namespace varno::panels {
+namespace {
+
+struct PlaceholderPanelContext {
+  std::string title;
+};
+
+template <const char* TitleKey>
+OSStatus PanelPrologue(print::PMPDEContext* context, OSType* creator, std::string* kind,
+                       std::string* title, std::uint32_t* maxH, std::uint32_t* maxV) {
+  auto* panel = new (std::nothrow) PlaceholderPanelContext{};
+  if (!panel) return kPMInvalidPDEContext;
+  bundle::BundleRef bundle = GetPDEBundle();
+  panel->title = bundle ? bundle->localizedString(TitleKey, "Localizable", TitleKey) : TitleKey;
+  if (context) *context = panel;
+  if (creator) *creator = host::kHostSignature;
+  if (kind) *kind = host::kPDEKind;
+  if (title) *title = panel->title;
+  if (maxH) *maxH = 0;
+  if (maxV) *maxV = 0;
+  return noErr;
+}
+
+OSStatus PanelInitialize(print::PMPDEContext, print::PMPDEFlags*, print::PMPDERef,
+                         print::ControlRef, print::Session*) { return noErr; }
+OSStatus PanelSync(print::PMPDEContext, print::Session*, bool) { return noErr; }
+OSStatus PanelGetSummaryText(print::PMPDEContext, plist::Array*, plist::Array*) { return noErr; }
+OSStatus PanelOpen(print::PMPDEContext) { return noErr; }
+OSStatus PanelClose(print::PMPDEContext) { return noErr; }
+OSStatus PanelTerminate(print::PMPDEContext context, OSStatus) {
+  delete static_cast<PlaceholderPanelContext*>(context);
+  return noErr;
+}
+
+template <const char* TitleKey>
+OSStatus GetPanelInterface(host::PanelInterfaceHolder** out) {
+  if (!out) return paramErr;
+  auto* holder = new (std::nothrow) host::PanelInterfaceHolder{};
+  auto* table = holder ? new (std::nothrow) host::PanelInterface{} : nullptr;
+  if (!table) {
+    delete holder;
+    *out = nullptr;
+    return noErr;
+  }
+  table->Prologue = PanelPrologue<TitleKey>;
+  table->Initialize = PanelInitialize;
+  table->Sync = PanelSync;
+  table->GetSummaryText = PanelGetSummaryText;
+  table->Open = PanelOpen;
+  table->Close = PanelClose;
+  table->Terminate = PanelTerminate;
+  holder->interface = table;
+  *out = holder;
+  return noErr;
+}
+
+constexpr char kPaperOutput[] = "PaperOutput";
+constexpr char kImageOptions[] = "ImageOptions";
+constexpr char kBookletWatermark[] = "BookletWatermark";
+constexpr char kAdvanced[] = "Advanced";
+
+}  // namespace
+}  // namespace varno::panels
+
+extern "C" varno::OSStatus GetPaperOutputPanelInterface(varno::host::PanelInterfaceHolder** out) {
+  return varno::panels::GetPanelInterface<varno::panels::kPaperOutput>(out);
+}
+extern "C" varno::OSStatus GetImageOptionsPanelInterface(varno::host::PanelInterfaceHolder** out) {
+  return varno::panels::GetPanelInterface<varno::panels::kImageOptions>(out);
+}
+extern "C" varno::OSStatus GetBookletWatermarkPanelInterface(
+    varno::host::PanelInterfaceHolder** out) {
+  return varno::panels::GetPanelInterface<varno::panels::kBookletWatermark>(out);
+}
+extern "C" varno::OSStatus GetAdvancedPanelInterface(varno::host::PanelInterfaceHolder** out) {
+  return varno::panels::GetPanelInterface<varno::panels::kAdvanced>(out);
+}
