@@ -1,6 +1,6 @@
-// The four built-in panels' getters. Each panel so far only makes and frees its context
-// (title, kind, creator); their controls, ticket handling and summaries come with each
-// panel's own work.
+// The getters of the built-in panels still to come; the Advanced panel has its own.
+// Each of these only makes and frees its context (title, kind, creator); controls, ticket
+// handling and summaries come with each panel's own work.
 #include <new>
 #include <string>
 
@@ -66,7 +66,6 @@ OSStatus GetPanelInterface(host::PanelInterfaceHolder** out) {
 constexpr char kPaperOutput[] = "PaperOutput";
 constexpr char kImageOptions[] = "ImageOptions";
 constexpr char kBookletWatermark[] = "BookletWatermark";
-constexpr char kAdvanced[] = "Advanced";
 
 }  // namespace
 }  // namespace varno::panels
@@ -80,7 +79,4 @@ extern "C" varno::OSStatus GetImageOptionsPanelInterface(varno::host::PanelInter
 extern "C" varno::OSStatus GetBookletWatermarkPanelInterface(
     varno::host::PanelInterfaceHolder** out) {
   return varno::panels::GetPanelInterface<varno::panels::kBookletWatermark>(out);
-}
-extern "C" varno::OSStatus GetAdvancedPanelInterface(varno::host::PanelInterfaceHolder** out) {
-  return varno::panels::GetPanelInterface<varno::panels::kAdvanced>(out);
 }

@@ -1,0 +1,235 @@
+// The Advanced panel inside the real plug-in bundle, loaded by the framework driver into a
+// headless window and reached through the dialog host's selector, as a user reaches it.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "host/dialog_host.h"
+#include "panels/image_options/advanced_panel.h"
+#include "platform/bundle/bundle.h"
+#include "platform/print/framework_driver.h"
+#include "platform/print/session.h"
+#include "platform/toolkit/application.h"
+#include "platform/toolkit/automation.h"
+#include "platform/toolkit/automation_script.h"
+#include "platform/toolkit/window.h"
+
+namespace varno::panels {
+namespace {
+
+using toolkit::Control;
+using toolkit::ControlKind;
+
+const std::filesystem::path kPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
+const std::string kVarnoPPD = VARNO_TEST_DATA_DIR "/ppd/Varno-BookletFaxPunch.ppd";
+constexpr std::int32_t kAdvancedTab = 4;
+constexpr std::int32_t kVujn = MakeOSType("Vujn");
+
+// A copy of the test PPD without the "Jog" default, so the panel has none to read.
+std::string PPDWithoutJogDefault() {
+  const std::filesystem::path path =
+      std::filesystem::temp_directory_path() / "advanced_panel_no_jog_default.ppd";
+  std::ifstream in(kVarnoPPD);
+  std::ofstream out(path);
+  std::string line;
+  while (std::getline(in, line))
+    if (line.rfind("*DefaultJog:", 0) != 0) out << line << '\n';
+  return path.string();
+}
+
+class AdvancedPanel : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    window_ = toolkit::Window::create({0, 0, 700, 600}, "Print");
+    window_->setVisible(true);
+    parentPane_ = window_->embed(Control::create(ControlKind::UserPane, {0, 0, 500, 600}));
+    ASSERT_NE(parentPane_, nullptr);
+    session_ = std::make_unique<print::Session>();
+    toolkit::Application::shared().script().clear();
+    ASSERT_EQ(driver_.loadFromPath(kPlugIn), noErr) << driver_.error();
+  }
+  void TearDown() override { toolkit::Application::shared().script().clear(); }
+
+  // Opens the dialog and shows the Advanced panel with the host's selector.
+  void OpenAdvanced(const std::string& ppd = kVarnoPPD) {
+    session_->setPrinterPPD(ppd);
+    ASSERT_EQ(driver_.prologue(), noErr) << driver_.error();
+    ASSERT_EQ(driver_.initialize(session_.get(), parentPane_), noErr) << driver_.error();
+    ASSERT_EQ(driver_.open(), noErr) << driver_.error();
+    Control* selector = window_->findByID({host::kHostSignature, host::kSelectorID});
+    ASSERT_NE(selector, nullptr);
+    ASSERT_EQ(toolkit::ChooseMenuItem(*selector, kAdvancedTab), noErr);
+    Control* pane = window_->findByID({host::kPanelPaneSignature, kAdvancedTab});
+    ASSERT_NE(pane, nullptr);
+    ASSERT_TRUE(pane->isShown());
+  }
+
+  Control* Panel(std::int32_t id) { return window_->findByID({kAdvancedSignature, id}); }
+  std::optional<std::string> PPDChoice(const char* keyword) {
+    return session_->printSettings().ppdDictionary().getString(keyword);
+  }
+
+  std::unique_ptr<toolkit::Window> window_;
+  Control* parentPane_ = nullptr;
+  std::unique_ptr<print::Session> session_;
+  print::FrameworkDriver driver_;
+};
+
+TEST_F(AdvancedPanel, OpenShowsTheLabelledControlsInThePane) {
+  OpenAdvanced();
+  const bundle::BundleRef& bundle = driver_.bundle();
+  Control* pane = window_->findByID({host::kPanelPaneSignature, kAdvancedTab});
+  const std::pair<std::int32_t, const char*> labels[] = {{kBookletOrderLabelID, "Booklet Image Order:"},
+                                                          {kBannerSheetLabelID, "Banner Sheet:"},
+                                                          {kRequestOffsetLabelID, "Request Offset:"},
+                                                          {kFeedEdgeLabelID, "Bypass Feed Edge Label"},
+                                                          {kAboutButtonID, "About..."}};
+  for (const auto& [id, key] : labels) {
+    Control* control = Panel(id);
+    ASSERT_NE(control, nullptr) << id;
+    EXPECT_TRUE(pane->contains(control)) << id;
+    EXPECT_EQ(control->text(), bundle->localizedString(key, "Localizable", "?")) << id;
+  }
+  // The groups are stacked one below the other: each row starts lower than the last.
+  std::int32_t lastTop = -1;
+  for (std::int32_t id : {kBookletOrderPopupID, kBannerSheetPopupID, kRequestOffsetPopupID,
+                          kFeedEdgePopupID, kAboutButtonID}) {
+    ASSERT_NE(Panel(id), nullptr) << id;
+    EXPECT_GT(Panel(id)->bounds().top, lastTop) << id;
+    lastTop = Panel(id)->bounds().top;
+  }
+  EXPECT_EQ(Panel(kBookletOrderPopupID)->menu()->count(), 2);
+  EXPECT_EQ(Panel(kBannerSheetPopupID)->menu()->count(), 2);
+  EXPECT_EQ(Panel(kRequestOffsetPopupID)->menu()->count(), 2);
+  EXPECT_EQ(Panel(kFeedEdgePopupID)->menu()->count(), 2);
+}
+
+TEST_F(AdvancedPanel, FreshTicketTakesTheRequestOffsetFromThePPDDefault) {
+  OpenAdvanced();
+  ASSERT_EQ(driver_.sync(false), noErr) << driver_.error();
+  EXPECT_EQ(PPDChoice("Jog"), "None") << "the PPD's *DefaultJog, not the panel's own 1";
+  EXPECT_EQ(PPDChoice("VNFeedEdge"), "LongEdge");
+  EXPECT_EQ(PPDChoice("JCLBanner"), "False");
+}
+
+TEST_F(AdvancedPanel, WithoutAPPDDefaultOffsetsAreRequested) {
+  OpenAdvanced(PPDWithoutJogDefault());
+  ASSERT_EQ(driver_.sync(false), noErr) << driver_.error();
+  EXPECT_EQ(PPDChoice("Jog"), "EndOfSet");
+}
+
+TEST_F(AdvancedPanel, ChosenItemsAreWrittenToTheTicket) {
+  OpenAdvanced();
+  Control* feedEdge = Panel(kFeedEdgePopupID);
+  Control* offset = Panel(kRequestOffsetPopupID);
+  Control* banner = Panel(kBannerSheetPopupID);
+  Control* order = Panel(kBookletOrderPopupID);
+  ASSERT_TRUE(feedEdge && offset && banner && order);
+  ASSERT_EQ(toolkit::ChooseMenuItemByText(*feedEdge, "Short Edge"), noErr);
+  ASSERT_EQ(toolkit::ChooseMenuItemByText(*offset, "Each Set"), noErr);
+  ASSERT_EQ(toolkit::ChooseMenuItemByText(*banner, "On"), noErr);
+  ASSERT_EQ(toolkit::ChooseMenuItem(*order, 2), noErr);
+
+  ASSERT_EQ(driver_.sync(false), noErr) << driver_.error();
+  EXPECT_EQ(PPDChoice("VNFeedEdge"), "ShortEdge");
+  EXPECT_EQ(PPDChoice("Jog"), "EndOfSet");
+  EXPECT_EQ(PPDChoice("JCLBanner"), "True");
+  const print::Ticket settings = session_->printSettings();
+  EXPECT_EQ(settings.number<std::int32_t>(kBookletLayoutOrderKey), kVujn)
+      << "both booklet orders store the same placeholder code";
+  ASSERT_NE(settings.item(kBookletLayoutOrderKey), nullptr);
+  EXPECT_EQ(settings.item(kBookletLayoutOrderKey)->client, kAdvancedTicketClient);
+}
+
+TEST_F(AdvancedPanel, ReadingTheTicketSelectsItsChoices) {
+  OpenAdvanced();
+  print::Ticket settings = session_->printSettings();
+  settings.ppdDictionary().set("VNFeedEdge", plist::Value(std::string("ShortEdge")));
+  settings.ppdDictionary().set("Jog", plist::Value(std::string("EndOfSet")));
+  settings.setValue(kBookletLayoutOrderKey, plist::Value(kVujn), kAdvancedTicketClient);
+  ASSERT_EQ(driver_.sync(true), noErr) << driver_.error();
+  EXPECT_EQ(Panel(kFeedEdgePopupID)->value(), 2);
+  EXPECT_EQ(Panel(kRequestOffsetPopupID)->menu()->item(Panel(kRequestOffsetPopupID)->value())->text,
+            "Each Set");
+  EXPECT_EQ(Panel(kBookletOrderPopupID)->value(), 1) << "the first item with the code";
+}
+
+// The panel's own table, from the bundle's exported getter.
+TEST_F(AdvancedPanel, MissingBookletOrderFailsTheReadButSetsTheOthers) {
+  OpenAdvanced();  // makes the bundle's PPD and session current
+  auto getter = driver_.bundle()->function<host::PanelInterfaceGetter>("GetAdvancedPanelInterface");
+  ASSERT_NE(getter, nullptr);
+  host::PanelInterfaceHolder* holder = nullptr;
+  ASSERT_EQ(getter(&holder), noErr);
+  ASSERT_NE(holder, nullptr);
+  std::unique_ptr<host::PanelInterface> table(holder->interface);
+  delete holder;
+
+  print::PMPDEContext context = nullptr;
+  OSType creator = 0;
+  ASSERT_EQ(table->Prologue(&context, &creator, nullptr, nullptr, nullptr, nullptr), noErr);
+  EXPECT_EQ(creator, host::kHostSignature);
+  EXPECT_EQ(table->Sync(nullptr, session_.get(), true), kPMInvalidPrintSession);
+  EXPECT_EQ(table->Sync(context, nullptr, true), kPMInvalidPrintSession);
+  EXPECT_EQ(table->Initialize(nullptr, nullptr, nullptr, nullptr, session_.get()),
+            kPMInvalidPDEContext);
+
+  print::Session reading;
+  reading.setPrinterPPD(kVarnoPPD);
+  print::Ticket in = reading.printSettings();
+  in.ppdDictionary().set("JCLBanner", plist::Value(std::string("True")));
+  in.ppdDictionary().set("Jog", plist::Value(std::string("EndOfSet")));
+  in.ppdDictionary().set("VNFeedEdge", plist::Value(std::string("ShortEdge")));
+  EXPECT_EQ(table->Initialize(context, nullptr, nullptr, nullptr, &reading), kPMInvalidKey)
+      << "Initialize reports its read";
+  EXPECT_EQ(table->Sync(context, &reading, true), kPMInvalidKey);
+
+  print::Session writing;
+  ASSERT_EQ(table->Sync(context, &writing, false), noErr);
+  const print::Ticket out = writing.printSettings();
+  EXPECT_EQ(out.number<std::int32_t>(kBookletLayoutOrderKey), 2) << "the missing entry's stand-in";
+  EXPECT_EQ(out.ppdDictionary().getString("JCLBanner"), "True");
+  EXPECT_EQ(out.ppdDictionary().getString("Jog"), "EndOfSet");
+  EXPECT_EQ(out.ppdDictionary().getString("VNFeedEdge"), "ShortEdge");
+
+  EXPECT_EQ(table->Open(context), noErr);
+  EXPECT_EQ(table->Open(context), kPMInvalidPDEContext) << "only the first Open builds";
+  EXPECT_EQ(table->Terminate(context, noErr), noErr);
+}
+
+TEST_F(AdvancedPanel, AboutButtonRunsTheAboutDialog) {
+  OpenAdvanced();
+  const bundle::BundleRef& bundle = driver_.bundle();
+  std::string title, name, version;
+  toolkit::AutomationScript& script = toolkit::Application::shared().script();
+  script.add("read the About window", [&](toolkit::Window& about) {
+    title = about.text();
+    if (Control* c = about.findByID({kAdvancedSignature, 1})) name = c->text();
+    if (Control* c = about.findByID({kAdvancedSignature, 2})) version = c->text();
+    return noErr;
+  });
+  script.sendCommand(toolkit::kHICommandOK);
+  ASSERT_NE(Panel(kAboutButtonID), nullptr);
+  ASSERT_EQ(toolkit::Click(*Panel(kAboutButtonID)), noErr);
+
+  EXPECT_EQ(script.pending(), 0u) << "OK ended the dialog";
+  EXPECT_TRUE(script.failures().empty());
+  EXPECT_EQ(title, bundle->localizedString("About", "Localizable", "?"));
+  EXPECT_EQ(name, *bundle->infoValue("CFBundleName")->asString());
+  EXPECT_NE(version.find(*bundle->infoValue("CFBundleShortVersionString")->asString()),
+            std::string::npos)
+      << version;
+
+  // With nothing scripted the dialog ends by itself and the panel stays usable.
+  ASSERT_EQ(toolkit::Click(*Panel(kAboutButtonID)), noErr);
+  ASSERT_EQ(toolkit::ChooseMenuItemByText(*Panel(kFeedEdgePopupID), "Short Edge"), noErr);
+  ASSERT_EQ(driver_.sync(false), noErr);
+  EXPECT_EQ(PPDChoice("VNFeedEdge"), "ShortEdge");
+}
+
+}  // namespace
+}  // namespace varno::panels
