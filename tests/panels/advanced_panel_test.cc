@@ -172,7 +172,7 @@ TEST_F(AdvancedPanel, MissingBookletOrderFailsTheReadButSetsTheOthers) {
   print::PMPDEContext context = nullptr;
   OSType creator = 0;
   ASSERT_EQ(table->Prologue(&context, &creator, nullptr, nullptr, nullptr, nullptr), noErr);
-  EXPECT_EQ(creator, host::kHostSignature);
+  EXPECT_EQ(creator, MakeOSType("VPDE"));
   EXPECT_EQ(table->Sync(nullptr, session_.get(), true), kPMInvalidPrintSession);
   EXPECT_EQ(table->Sync(context, nullptr, true), kPMInvalidPrintSession);
   EXPECT_EQ(table->Initialize(nullptr, nullptr, nullptr, nullptr, session_.get()),

@@ -61,7 +61,8 @@ OSStatus AdvancedPrologue(print::PMPDEContext* context, OSType* creator, std::st
   panel->title = panel->bundle ? panel->bundle->localizedString("Advanced", "Localizable", "Advanced")
                                : "Advanced";
   if (context) *context = panel;
-  if (creator) *creator = host::kHostSignature;
+  // Unlike the other panels, this one reports the creator code of its controls.
+  if (creator) *creator = kAdvancedSignature;
   if (kind) *kind = host::kPDEKind;
   if (title) *title = panel->title;
   if (maxH) *maxH = 0;
