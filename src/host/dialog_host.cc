@@ -493,4 +493,28 @@ OSStatus PDESync(void*, bool syncDirection) {
   return HostSync(currentHostContext, GetCurrentPrintSession(), syncDirection);
 }
 
+OSStatus MakePanelInterfaceHolder(const PanelInterface& entries, PanelInterfaceHolder** out) {
+  if (!out) return paramErr;
+  *out = nullptr;
+  auto* holder = new (std::nothrow) PanelInterfaceHolder{};
+  auto* table = holder ? new (std::nothrow) PanelInterface(entries) : nullptr;
+  if (!table) {
+    delete holder;
+    return noErr;
+  }
+  holder->interface = table;
+  *out = holder;
+  return noErr;
+}
+
+void ReportPanelPrologue(OSType panelCreator, const std::string& panelTitle, OSType* creator,
+                         std::string* kind, std::string* title, std::uint32_t* maxH,
+                         std::uint32_t* maxV) {
+  if (creator) *creator = panelCreator;
+  if (kind) *kind = kPDEKind;
+  if (title) *title = panelTitle;
+  if (maxH) *maxH = 0;
+  if (maxV) *maxV = 0;
+}
+
 }  // namespace varno::host

@@ -28,6 +28,15 @@ struct PanelInterfaceHolder {
 };
 using PanelInterfaceGetter = OSStatus (*)(PanelInterfaceHolder** holder);
 
+// What every panel getter does: a new holder with a copy of `entries` (slots 4 to 10) in
+// `*out`, null when allocation fails; paramErr for a null `out`, else noErr.
+OSStatus MakePanelInterfaceHolder(const PanelInterface& entries, PanelInterfaceHolder** out);
+// What every panel Prologue reports besides its context: its creator, the host's kind, its
+// title and sizes 0. Null outputs are skipped.
+void ReportPanelPrologue(OSType panelCreator, const std::string& panelTitle, OSType* creator,
+                         std::string* kind, std::string* title, std::uint32_t* maxH,
+                         std::uint32_t* maxV);
+
 // One loaded panel.
 struct PanelRecord {
   std::unique_ptr<PanelInterface> interface;  // the host's own copy of the entry points

@@ -22,11 +22,7 @@ OSStatus PanelPrologue(print::PMPDEContext* context, OSType* creator, std::strin
   bundle::BundleRef bundle = GetPDEBundle();
   panel->title = bundle ? bundle->localizedString(TitleKey, "Localizable", TitleKey) : TitleKey;
   if (context) *context = panel;
-  if (creator) *creator = host::kHostSignature;
-  if (kind) *kind = host::kPDEKind;
-  if (title) *title = panel->title;
-  if (maxH) *maxH = 0;
-  if (maxV) *maxV = 0;
+  host::ReportPanelPrologue(host::kHostSignature, panel->title, creator, kind, title, maxH, maxV);
   return noErr;
 }
 
@@ -43,24 +39,15 @@ OSStatus PanelTerminate(print::PMPDEContext context, OSStatus) {
 
 template <const char* TitleKey>
 OSStatus GetPanelInterface(host::PanelInterfaceHolder** out) {
-  if (!out) return paramErr;
-  auto* holder = new (std::nothrow) host::PanelInterfaceHolder{};
-  auto* table = holder ? new (std::nothrow) host::PanelInterface{} : nullptr;
-  if (!table) {
-    delete holder;
-    *out = nullptr;
-    return noErr;
-  }
-  table->Prologue = PanelPrologue<TitleKey>;
-  table->Initialize = PanelInitialize;
-  table->Sync = PanelSync;
-  table->GetSummaryText = PanelGetSummaryText;
-  table->Open = PanelOpen;
-  table->Close = PanelClose;
-  table->Terminate = PanelTerminate;
-  holder->interface = table;
-  *out = holder;
-  return noErr;
+  host::PanelInterface entries{};
+  entries.Prologue = PanelPrologue<TitleKey>;
+  entries.Initialize = PanelInitialize;
+  entries.Sync = PanelSync;
+  entries.GetSummaryText = PanelGetSummaryText;
+  entries.Open = PanelOpen;
+  entries.Close = PanelClose;
+  entries.Terminate = PanelTerminate;
+  return host::MakePanelInterfaceHolder(entries, out);
 }
 
 constexpr char kPaperOutput[] = "PaperOutput";

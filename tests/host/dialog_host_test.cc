@@ -15,6 +15,7 @@
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/event.h"
 #include "platform/toolkit/window.h"
+#include "support/plugin_dialog.h"
 
 namespace varno::host {
 namespace {
@@ -22,30 +23,13 @@ namespace {
 using toolkit::Control;
 using toolkit::ControlKind;
 
-const std::filesystem::path kPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
-const std::string kVarnoPPD = VARNO_TEST_DATA_DIR "/ppd/Varno-BookletFaxPunch.ppd";
+const std::string kVarnoPPD = testing::kVarnoTestPPD;
 const std::string kOtherMakerPPD = VARNO_TEST_DATA_DIR "/ppd/Other-Maker.ppd";
 const char* const kPanelTitleKeys[] = {"PaperOutput", "ImageOptions", "BookletWatermark",
                                        "Advanced"};
 
-class DialogHost : public ::testing::Test {
+class DialogHost : public testing::PlugInDialogTest {
  protected:
-  void SetUp() override {
-    window_ = toolkit::Window::create({0, 0, 700, 600}, "Print");
-    window_->setVisible(true);  // the Print dialog is on screen
-    parentPane_ = window_->embed(Control::create(ControlKind::UserPane, {0, 0, 500, 600}));
-    ASSERT_NE(parentPane_, nullptr);
-    session_ = std::make_unique<print::Session>();
-    ASSERT_EQ(driver_.loadFromPath(kPlugIn), noErr) << driver_.error();
-  }
-
-  void OpenDialog(const std::string& ppd = kVarnoPPD) {
-    session_->setPrinterPPD(ppd);
-    ASSERT_EQ(driver_.prologue(), noErr) << driver_.error();
-    ASSERT_EQ(driver_.initialize(session_.get(), parentPane_), noErr) << driver_.error();
-    ASSERT_EQ(driver_.open(), noErr) << driver_.error();
-  }
-
   Control* HostControl(std::int32_t id) { return window_->findByID({kHostSignature, id}); }
   Control* PanelPane(std::int32_t tab) { return window_->findByID({kPanelPaneSignature, tab}); }
 
@@ -72,11 +56,6 @@ class DialogHost : public ::testing::Test {
     return window_->send(event);
   }
 
-  // Declared before the driver, which terminates the plug-in while they still exist.
-  std::unique_ptr<toolkit::Window> window_;
-  Control* parentPane_ = nullptr;
-  std::unique_ptr<print::Session> session_;
-  print::FrameworkDriver driver_;
 };
 
 TEST_F(DialogHost, PrologueReportsTheHostAndLoadsTheFourPanelsInTableOrder) {

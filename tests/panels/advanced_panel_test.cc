@@ -17,6 +17,7 @@
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/automation_script.h"
 #include "platform/toolkit/window.h"
+#include "support/plugin_dialog.h"
 
 namespace varno::panels {
 namespace {
@@ -24,8 +25,7 @@ namespace {
 using toolkit::Control;
 using toolkit::ControlKind;
 
-const std::filesystem::path kPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
-const std::string kVarnoPPD = VARNO_TEST_DATA_DIR "/ppd/Varno-BookletFaxPunch.ppd";
+const std::string kVarnoPPD = testing::kVarnoTestPPD;
 constexpr std::int32_t kAdvancedTab = 4;
 constexpr std::int32_t kVujn = MakeOSType("Vujn");
 
@@ -41,25 +41,12 @@ std::string PPDWithoutJogDefault() {
   return path.string();
 }
 
-class AdvancedPanel : public ::testing::Test {
+class AdvancedPanel : public testing::PlugInDialogTest {
  protected:
-  void SetUp() override {
-    window_ = toolkit::Window::create({0, 0, 700, 600}, "Print");
-    window_->setVisible(true);
-    parentPane_ = window_->embed(Control::create(ControlKind::UserPane, {0, 0, 500, 600}));
-    ASSERT_NE(parentPane_, nullptr);
-    session_ = std::make_unique<print::Session>();
-    toolkit::Application::shared().script().clear();
-    ASSERT_EQ(driver_.loadFromPath(kPlugIn), noErr) << driver_.error();
-  }
-  void TearDown() override { toolkit::Application::shared().script().clear(); }
-
   // Opens the dialog and shows the Advanced panel with the host's selector.
   void OpenAdvanced(const std::string& ppd = kVarnoPPD) {
-    session_->setPrinterPPD(ppd);
-    ASSERT_EQ(driver_.prologue(), noErr) << driver_.error();
-    ASSERT_EQ(driver_.initialize(session_.get(), parentPane_), noErr) << driver_.error();
-    ASSERT_EQ(driver_.open(), noErr) << driver_.error();
+    OpenDialog(ppd);
+    if (HasFatalFailure()) return;
     Control* selector = window_->findByID({host::kHostSignature, host::kSelectorID});
     ASSERT_NE(selector, nullptr);
     ASSERT_EQ(toolkit::ChooseMenuItem(*selector, kAdvancedTab), noErr);
@@ -72,11 +59,6 @@ class AdvancedPanel : public ::testing::Test {
   std::optional<std::string> PPDChoice(const char* keyword) {
     return session_->printSettings().ppdDictionary().getString(keyword);
   }
-
-  std::unique_ptr<toolkit::Window> window_;
-  Control* parentPane_ = nullptr;
-  std::unique_ptr<print::Session> session_;
-  print::FrameworkDriver driver_;
 };
 
 TEST_F(AdvancedPanel, OpenShowsTheLabelledControlsInThePane) {

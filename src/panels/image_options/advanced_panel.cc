@@ -62,11 +62,7 @@ OSStatus AdvancedPrologue(print::PMPDEContext* context, OSType* creator, std::st
                                : "Advanced";
   if (context) *context = panel;
   // Unlike the other panels, this one reports the creator code of its controls.
-  if (creator) *creator = kAdvancedSignature;
-  if (kind) *kind = host::kPDEKind;
-  if (title) *title = panel->title;
-  if (maxH) *maxH = 0;
-  if (maxV) *maxV = 0;
+  host::ReportPanelPrologue(kAdvancedSignature, panel->title, creator, kind, title, maxH, maxV);
   return noErr;
 }
 
@@ -185,22 +181,13 @@ void setControls(AdvancedContext* context) {
 
 extern "C" varno::OSStatus GetAdvancedPanelInterface(varno::host::PanelInterfaceHolder** out) {
   using namespace varno::panels;
-  if (!out) return varno::paramErr;
-  auto* holder = new (std::nothrow) varno::host::PanelInterfaceHolder{};
-  auto* table = holder ? new (std::nothrow) varno::host::PanelInterface{} : nullptr;
-  if (!table) {
-    delete holder;
-    *out = nullptr;
-    return varno::noErr;
-  }
-  table->Prologue = AdvancedPrologue;
-  table->Initialize = AdvancedInitialize;
-  table->Sync = AdvancedSync;
-  table->GetSummaryText = AdvancedGetSummaryText;
-  table->Open = AdvancedOpen;
-  table->Close = AdvancedClose;
-  table->Terminate = AdvancedTerminate;
-  holder->interface = table;
-  *out = holder;
-  return varno::noErr;
+  varno::host::PanelInterface entries{};
+  entries.Prologue = AdvancedPrologue;
+  entries.Initialize = AdvancedInitialize;
+  entries.Sync = AdvancedSync;
+  entries.GetSummaryText = AdvancedGetSummaryText;
+  entries.Open = AdvancedOpen;
+  entries.Close = AdvancedClose;
+  entries.Terminate = AdvancedTerminate;
+  return varno::host::MakePanelInterfaceHolder(entries, out);
 }
