@@ -457,4 +457,29 @@ OSStatus InitializeIcon(Control* imageView, std::string name) {
   return noErr;
 }
 
+OSStatus DrawImage(const bundle::BundleRef& bundle, const char* name, Control* view) {
+  if (!view) return paramErr;
+  if (!name) {
+    view->setPictureName({});
+    return noErr;
+  }
+  if (!bundle || !bundle->resourcePath(name)) {
+    view->setPictureName({});
+    return fnfErr;
+  }
+  view->setPictureName(name);
+  return noErr;
+}
+
+OSStatus DrawIconEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef event, void* bundle) {
+  Control* view = event ? event->control() : nullptr;
+  auto* owner = static_cast<bundle::Bundle*>(bundle);
+  if (view && owner && !view->pictureName().empty() && !owner->resourcePath(view->pictureName())) {
+    std::fprintf(stderr, "DrawIconEventHandler(): no picture \"%s\" in the bundle.\n",
+                 view->pictureName().c_str());
+    view->setPictureName({});
+  }
+  return eventNotHandledErr;
+}
+
 }  // namespace varno

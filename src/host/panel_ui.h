@@ -162,7 +162,16 @@ void UpdateTabControl(toolkit::Control* tabControl, std::span<toolkit::Control* 
 std::string CreateLocalizedCFStringFromNumberWithDecimals(double value, int decimals,
                                                           const char* locale = nullptr);
 
+// Pictures are named, not decoded, here: a renderer paints the file of the bundle's
+// resources that a view names.
 // Gives an image view the picture `name`; paramErr for null or another kind.
 OSStatus InitializeIcon(toolkit::Control* imageView, std::string name);
+// Shows the bundle's picture `name` in the view, or none for a null name. A picture the
+// bundle lacks leaves the view blank and gives fnfErr; paramErr for a null view.
+OSStatus DrawImage(const bundle::BundleRef& bundle, const char* name, toolkit::Control* view);
+// Draw events of a view given a picture with InitializeIcon; `bundle` is a bundle::Bundle.
+// Checks that the picture is still there (DrawImage) and passes the event on.
+OSStatus DrawIconEventHandler(toolkit::EventHandlerCallRef call, toolkit::EventRef event,
+                              void* bundle);
 
 }  // namespace varno

@@ -1,4 +1,4 @@
-// The getters of the built-in panels still to come; the Advanced panel has its own.
+// The getters of the built-in panels still to come; Image Options and Advanced have their own.
 // Each of these only makes and frees its context (title, kind, creator); controls, ticket
 // handling and summaries come with each panel's own work.
 #include <new>
@@ -51,7 +51,6 @@ OSStatus GetPanelInterface(host::PanelInterfaceHolder** out) {
 }
 
 constexpr char kPaperOutput[] = "PaperOutput";
-constexpr char kImageOptions[] = "ImageOptions";
 constexpr char kBookletWatermark[] = "BookletWatermark";
 
 }  // namespace
@@ -59,9 +58,6 @@ constexpr char kBookletWatermark[] = "BookletWatermark";
 
 extern "C" varno::OSStatus GetPaperOutputPanelInterface(varno::host::PanelInterfaceHolder** out) {
   return varno::panels::GetPanelInterface<varno::panels::kPaperOutput>(out);
-}
-extern "C" varno::OSStatus GetImageOptionsPanelInterface(varno::host::PanelInterfaceHolder** out) {
-  return varno::panels::GetPanelInterface<varno::panels::kImageOptions>(out);
 }
 extern "C" varno::OSStatus GetBookletWatermarkPanelInterface(
     varno::host::PanelInterfaceHolder** out) {
