@@ -218,20 +218,6 @@ class InstalledOptions : public ::testing::Test {
   void TearDown() override { UnloadInstallableOptions(); }
 };
 
-TEST_F(InstalledOptions, PunchUnitSatisfiesEveryFeatureItsPatternsCover) {
-  ppdcall::FilePtr ppd = OpenFixture(kBookletFax);
-  ASSERT_TRUE(LoadInstallableOptions(ppd.get(), InstalledFeatures));
-  EXPECT_EQ(getInstalledFeature("DualPunchKey"), 1);
-  EXPECT_EQ(getInstalledFeature("QuadruplePunchKey"), 1);
-  EXPECT_EQ(getInstalledFeature("TriplePunchKey"), 0);
-  EXPECT_EQ(getInstalledFeature("FaxKey"), 1);
-  EXPECT_EQ(getInstalledFeature(nullptr), 0);
-  std::string choice;
-  ASSERT_TRUE(getInstallableOptionValue("VNFinisher", &choice));
-  EXPECT_EQ(choice, "SBClassBooklet");
-  EXPECT_FALSE(getInstallableOptionValue("Duplex", &choice));  // not an installable option
-}
-
 TEST_F(InstalledOptions, PictureNameFollowsTraysFeederAndFinisher) {
   EXPECT_EQ(CopyDeviceMimicFilename(), "Mimic_GR_QTMZ_.gif");  // nothing loaded
   const std::pair<std::filesystem::path, const char*> cases[] = {
@@ -249,17 +235,26 @@ TEST_F(InstalledOptions, PictureNameFollowsTraysFeederAndFinisher) {
 }
 
 // The first load wins until unloaded, even one that found no installable options.
-TEST_F(InstalledOptions, FirstLoadWinsUntilUnloaded) {
+TEST_F(InstalledOptions, InstalledUnitsSatisfyTheirFeaturesAndTheFirstLoadWinsUntilUnloaded) {
   ppdcall::FilePtr booklet = OpenFixture(kBookletFax);
   ppdcall::FilePtr bare = OpenFixture(kNoFinisher);
   ASSERT_TRUE(LoadInstallableOptions(booklet.get(), InstalledFeatures));
+  // The punch unit satisfies every feature its patterns cover.
+  EXPECT_EQ(getInstalledFeature("DualPunchKey"), 1);
+  EXPECT_EQ(getInstalledFeature("QuadruplePunchKey"), 1);
+  EXPECT_EQ(getInstalledFeature("TriplePunchKey"), 0);
+  EXPECT_EQ(getInstalledFeature(nullptr), 0);
+  std::string choice;
+  ASSERT_TRUE(getInstallableOptionValue("VNFinisher", &choice));
+  EXPECT_EQ(choice, "SBClassBooklet");
+  EXPECT_FALSE(getInstallableOptionValue("Duplex", &choice));  // not an installable option
+
   EXPECT_FALSE(LoadInstallableOptions(bare.get(), InstalledFeatures));
   EXPECT_EQ(getInstalledFeature("FaxKey"), 1);
   EXPECT_EQ(getInstalledFeature("SingleStapleKey"), 1);
 
   UnloadInstallableOptions();
   EXPECT_EQ(getInstalledFeature("FaxKey"), 0);
-  std::string choice;
   EXPECT_FALSE(getInstallableOptionValue("VNFinisher", &choice));
   ASSERT_TRUE(LoadInstallableOptions(bare.get(), InstalledFeatures));
   EXPECT_EQ(getInstalledFeature("SingleStapleKey"), 0);

@@ -106,7 +106,7 @@ TEST_F(MapMenus, ItemsCarryTitleCommandAndTicketValueOfTheirRows) {
   EXPECT_EQ(popup_->menu()->item(2)->command, pick);
 }
 
-TEST_F(MapMenus, UnsetRowIsTitledByWhereTheMenuIsShownNotByItsKey) {
+TEST_F(MapMenus, SelectionByTicketValueTakesTheFirstMatchAndUnsetRowIsTitledByPlace) {
   static const SettingMap kWithDefault[] = {
       {"Standalone", 7, 0, nullptr, 0},
       {"IgnoredKey", kUnsetValue, 0, nullptr, 0},
@@ -122,16 +122,14 @@ TEST_F(MapMenus, UnsetRowIsTitledByWhereTheMenuIsShownNotByItsKey) {
   EXPECT_EQ(SetPopupButtonToTicketValue(popup_.get(), kUnsetValue), 1);
   EXPECT_EQ(popup_->value(), 2);
   EXPECT_EQ(GetPopupButtonTicketValue(popup_.get()), kUnsetValue);
-}
 
-TEST_F(MapMenus, SelectionByTicketValueTakesTheFirstMatchOrChangesNothing) {
+  // Selection by ticket value takes the first matching item or changes nothing.
   PopulatePopupButtonFromMap(bundle_, popup_.get(), CoverOptionMap, false, 0);
   EXPECT_EQ(SetPopupButtonToTicketValue(popup_.get(), 5), 1);
   EXPECT_EQ(popup_->value(), 4);
   EXPECT_EQ(SetPopupButtonToTicketValue(popup_.get(), 4), 0);
   EXPECT_EQ(popup_->value(), 4);
   EXPECT_EQ(GetPopupButtonTicketValue(popup_.get()), 5);
-
   PopulatePopupButtonFromMap(bundle_, popup_.get(), OnOffMap, false, 0);
   popup_->setValue(2);
   EXPECT_EQ(SetPopupButtonToTicketValue(popup_.get(), kVujn), 1);

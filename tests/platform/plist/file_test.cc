@@ -97,12 +97,8 @@ TEST(DamagedFiles, EachGivesAClearErrorNamingTheFile) {
   EXPECT_NE(error.find("No such file"), std::string::npos) << error;
   EXPECT_FALSE(ReadFile(dir.path(), &error));
   EXPECT_NE(error.find("not a regular file"), std::string::npos) << error;
-}
-
-TEST(DamagedFiles, WrongRootTypeIsRefusedForDictionaryFiles) {
-  TempDir dir;
+  // A dictionary file whose root is another kind: refused as a dictionary, read as a value.
   ASSERT_TRUE(WriteFile(dir / "array.plist", Array{1, 2}));
-  std::string error;
   EXPECT_FALSE(ReadDictionaryFile(dir / "array.plist", &error));
   EXPECT_NE(error.find("root is array"), std::string::npos) << error;
   EXPECT_TRUE(ReadFile(dir / "array.plist"));
@@ -137,17 +133,25 @@ TEST(DamagedFiles, DeepNestingIsRefusedBeforeParsing) {
   EXPECT_FALSE(ToXML(deep, &error));
 }
 
-TEST(AtomicWrites, ReplaceLeavesNoTemporaryFiles) {
-  TempDir dir;
-  ASSERT_TRUE(WriteFile(dir / "prefs.plist", Dictionary{{"A", 1}}));
-  ASSERT_TRUE(WriteFile(dir / "prefs.plist", Dictionary{{"A", 2}}));
-  EXPECT_EQ(ReadDictionaryFile(dir / "prefs.plist")->getNumber<int>("A"), 2);
+int FileCount(const TempDir& dir) {
   int files = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path())) ++files;
-  EXPECT_EQ(files, 1);
+  return files;
 }
 
-TEST(AtomicWrites, FailedWriteLeavesThePreviousFileIntact) {
+TEST(AtomicWrites, ReplaceKeepsPermissionsAndLeavesNoTemporaryFiles) {
+  TempDir dir;
+  std::filesystem::path file = dir / "p.plist";
+  const auto ownerOnly = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+  ASSERT_TRUE(WriteFile(file, Dictionary{{"A", 1}}));
+  std::filesystem::permissions(file, ownerOnly);
+  ASSERT_TRUE(WriteFile(file, Dictionary{{"A", 2}}));
+  EXPECT_EQ(ReadDictionaryFile(file)->getNumber<int>("A"), 2);
+  EXPECT_EQ(std::filesystem::status(file).permissions(), ownerOnly);
+  EXPECT_EQ(FileCount(dir), 1);
+}
+
+TEST(AtomicWrites, FailedWriteIsReportedAndLeavesThePreviousFileIntact) {
   TempDir dir;
   std::filesystem::path file = dir / "store.plist";
   ASSERT_TRUE(WriteFile(file, Dictionary{{"Keep", "me"}}));
@@ -169,27 +173,10 @@ TEST(AtomicWrites, FailedWriteLeavesThePreviousFileIntact) {
   EXPECT_FALSE(written);
   EXPECT_NE(error.find("write failed"), std::string::npos) << error;
   EXPECT_EQ(ReadAll(file), before);
-  int files = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path())) ++files;
-  EXPECT_EQ(files, 1) << "the temporary file is removed";
-}
+  EXPECT_EQ(FileCount(dir), 1) << "the temporary file is removed";
 
-TEST(AtomicWrites, MissingFolderIsReported) {
-  TempDir dir;
-  std::string error;
   EXPECT_FALSE(WriteFile(dir / "no" / "such" / "folder.plist", Dictionary{}, &error));
   EXPECT_NE(error.find("cannot write in"), std::string::npos) << error;
-}
-
-TEST(AtomicWrites, ReplacedFileKeepsItsPermissions) {
-  TempDir dir;
-  std::filesystem::path file = dir / "p.plist";
-  ASSERT_TRUE(WriteFile(file, Dictionary{}));
-  std::filesystem::permissions(file, std::filesystem::perms::owner_read |
-                                         std::filesystem::perms::owner_write);
-  ASSERT_TRUE(WriteFile(file, Dictionary{{"A", 1}}));
-  EXPECT_EQ(std::filesystem::status(file).permissions(),
-            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
 }  // namespace

@@ -23,6 +23,17 @@ int RunCommand(const std::string& command) {
 
 std::string Quote(const std::filesystem::path& p) { return "'" + p.string() + "'"; }
 
+// plistlib_peer.py with `verb` on the given files.
+int Peer(const char* verb, const std::filesystem::path& a, const std::filesystem::path& b = {}) {
+  return RunCommand("python3 " + kPeer + " " + verb + " " + Quote(a) +
+                    (b.empty() ? "" : " " + Quote(b)));
+}
+
+// plistutil converting `from` to the binary form in `to`.
+int ToBinary(const std::filesystem::path& from, const std::filesystem::path& to) {
+  return RunCommand("plistutil -i " + Quote(from) + " -o " + Quote(to) + " -f bin");
+}
+
 Dictionary Sample() {
   return Dictionary{
       {"PMPrintSettingsTicket", Dictionary{{"com.varno.print.JobType",
@@ -42,9 +53,7 @@ TEST(Interoperability, PlistlibReadsOurFilesWithEveryValueIntact) {
   ASSERT_TRUE(WriteFile(dir / "ours.plist", Sample()));
   // plistlib reads our file and writes what it understood; reading that back must give
   // exactly what we wrote, kinds included.
-  ASSERT_EQ(RunCommand("python3 " + kPeer + " roundtrip " + Quote(dir / "ours.plist") + " " +
-                Quote(dir / "theirs.plist")),
-            0);
+  ASSERT_EQ(Peer("roundtrip", dir / "ours.plist", dir / "theirs.plist"), 0);
   std::string error;
   std::optional<Dictionary> back = ReadDictionaryFile(dir / "theirs.plist", &error);
   ASSERT_TRUE(back) << error;
@@ -54,29 +63,23 @@ TEST(Interoperability, PlistlibReadsOurFilesWithEveryValueIntact) {
 TEST(Interoperability, PlistutilConvertsOurFilesBothWays) {
   TempDir dir;
   ASSERT_TRUE(WriteFile(dir / "ours.plist", Sample()));
-  ASSERT_EQ(RunCommand("plistutil -i " + Quote(dir / "ours.plist") + " -o " + Quote(dir / "bin.plist") +
-                " -f bin"),
-            0);
+  ASSERT_EQ(ToBinary(dir / "ours.plist", dir / "bin.plist"), 0);
   std::string error;
   std::optional<Dictionary> fromBinary = ReadDictionaryFile(dir / "bin.plist", &error);
   ASSERT_TRUE(fromBinary) << error;
   EXPECT_EQ(*fromBinary, Sample());
   // And plistlib agrees that the binary form holds the same values as ours.
-  EXPECT_EQ(RunCommand("python3 " + kPeer + " compare " + Quote(dir / "ours.plist") + " " +
-                Quote(dir / "bin.plist")),
-            0);
+  EXPECT_EQ(Peer("compare", dir / "ours.plist", dir / "bin.plist"), 0);
 }
 
 TEST(Interoperability, PlistlibFilesAreReadAndWrittenBackEqual) {
   TempDir dir;
-  ASSERT_EQ(RunCommand("python3 " + kPeer + " make " + Quote(dir / "theirs.plist")), 0);
+  ASSERT_EQ(Peer("make", dir / "theirs.plist"), 0);
   std::string error;
   std::optional<Value> value = ReadFile(dir / "theirs.plist", &error);
   ASSERT_TRUE(value) << error;
   ASSERT_TRUE(WriteFile(dir / "ours.plist", *value, &error)) << error;
-  EXPECT_EQ(RunCommand("python3 " + kPeer + " compare " + Quote(dir / "theirs.plist") + " " +
-                Quote(dir / "ours.plist")),
-            0);
+  EXPECT_EQ(Peer("compare", dir / "theirs.plist", dir / "ours.plist"), 0);
   // Spot checks that the values arrived as the right kinds.
   const Dictionary& d = *value->asDictionary();
   EXPECT_EQ(d.getNumber<std::int64_t>("Large"), std::int64_t{1} << 40);
@@ -100,12 +103,8 @@ TEST(Interoperability, SavedSessionSurvivesPlistlibAndPlistutil) {
   ASSERT_TRUE(session.save(dir / "ours.session", &error)) << error;
 
   // Through plistlib (XML) and plistutil (binary) and back: the same session.
-  ASSERT_EQ(RunCommand("python3 " + kPeer + " roundtrip " + Quote(dir / "ours.session") + " " +
-                       Quote(dir / "plistlib.session")),
-            0);
-  ASSERT_EQ(RunCommand("plistutil -i " + Quote(dir / "plistlib.session") + " -o " +
-                       Quote(dir / "binary.session") + " -f bin"),
-            0);
+  ASSERT_EQ(Peer("roundtrip", dir / "ours.session", dir / "plistlib.session"), 0);
+  ASSERT_EQ(ToBinary(dir / "plistlib.session", dir / "binary.session"), 0);
   std::unique_ptr<print::Session> back = print::Session::load(dir / "binary.session", &error);
   ASSERT_TRUE(back) << error;
   EXPECT_EQ(back->toPropertyList(), session.toPropertyList());

@@ -12,27 +12,15 @@
 #include "platform/system/folders.h"
 #include "platform/system/network.h"
 #include "platform/system/system_info.h"
+#include "platform/bundle/test_bundle.h"
 #include "support/temp_dir.h"
 
 namespace varno::sys {
 namespace {
 
 using std::filesystem::path;
+using varno::testing::ScopedEnv;
 using varno::testing::TempDir;
-
-// Sets (null: unsets) an environment variable for one scope and puts the old value back.
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) old_ = old;
-    value ? setenv(name, value, 1) : unsetenv(name);
-  }
-  ~ScopedEnv() { old_ ? setenv(name_, old_->c_str(), 1) : unsetenv(name_); }
-
- private:
-  const char* name_;
-  std::optional<std::string> old_;
-};
 
 const std::string kHeader =
     "Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT\n";
@@ -142,24 +130,30 @@ TEST(MachineIdentity, ComputerNamePrefersThePrettyNameAndConsoleUserIsAKnownUser
 }
 
 TEST(Folders, ChosenByEnvironmentWithFallbacks) {
-  ScopedEnv home("HOME", "/home/ann");
-  for (const char* xdg : {"", "relative/cfg", static_cast<const char*>(nullptr)}) {
-    ScopedEnv ignored("XDG_CONFIG_HOME", xdg);
-    EXPECT_EQ(UserPreferencesFolder(), path("/home/ann/.config/varno"));
+  using std::nullopt;
+  const std::string passwdHome = getpwuid(geteuid())->pw_dir;
+  const struct {
+    std::optional<std::string> home, xdg;
+    path expected;
+  } preferences[] = {
+      {"/home/ann", "", "/home/ann/.config/varno"},
+      {"/home/ann", "relative/cfg", "/home/ann/.config/varno"},
+      {"/home/ann", nullopt, "/home/ann/.config/varno"},
+      {"/home/ann", "/srv/cfg", "/srv/cfg/varno"},
+      {nullopt, "/srv/cfg", "/srv/cfg/varno"},
+      {nullopt, nullopt, path(passwdHome) / ".config/varno"},
+  };
+  for (const auto& c : preferences) {
+    ScopedEnv env{{"HOME", c.home}, {"XDG_CONFIG_HOME", c.xdg}};
+    EXPECT_EQ(UserPreferencesFolder(), c.expected)
+        << c.home.value_or("unset") << ", " << c.xdg.value_or("unset");
   }
-  {
-    ScopedEnv xdg("XDG_CONFIG_HOME", "/srv/cfg");
-    EXPECT_EQ(UserPreferencesFolder(), path("/srv/cfg/varno"));
-    ScopedEnv noHome("HOME", nullptr);
-    ScopedEnv noXdg("XDG_CONFIG_HOME", nullptr);
-    EXPECT_EQ(UserPreferencesFolder(), path(getpwuid(geteuid())->pw_dir) / ".config/varno");
+  const std::pair<std::optional<std::string>, path> support[] = {
+      {nullopt, "/var/lib/varno"}, {"", "/var/lib/varno"}, {"/tmp/vs", "/tmp/vs"}};
+  for (const auto& [value, expected] : support) {
+    ScopedEnv env{{"VARNO_SUPPORT_DIR", value}};
+    EXPECT_EQ(ApplicationSupportFolder(), expected) << value.value_or("unset");
   }
-  for (const char* unset : {static_cast<const char*>(nullptr), ""}) {
-    ScopedEnv support("VARNO_SUPPORT_DIR", unset);
-    EXPECT_EQ(ApplicationSupportFolder(), path("/var/lib/varno"));
-  }
-  ScopedEnv support("VARNO_SUPPORT_DIR", "/tmp/varno-support");
-  EXPECT_EQ(ApplicationSupportFolder(), path("/tmp/varno-support"));
 }
 
 TEST(Folders, CreateMakesParentsAndFailsWithAMessageWhenAFileIsInTheWay) {

@@ -127,48 +127,40 @@ std::string WithControl(const std::string& control) {
 TEST(InterfaceFileLoading, MalformedFilesAreRefusedWithTheFaultNamed) {
   TempDir dir;
   std::unique_ptr<InterfaceFile> file;
-  std::string error;
-  EXPECT_EQ(InterfaceFile::openFile(dir.write("a.plist", "<plist><dict><key>Win"), &file, &error),
+  EXPECT_EQ(InterfaceFile::openFile(dir.write("a.plist", "<plist><dict><key>Win"), &file),
             kInterfaceFileDamaged);
   EXPECT_EQ(InterfaceFile::openFile(dir.write("b.plist", "not a property list"), &file),
             kInterfaceFileDamaged);
-  EXPECT_EQ(BuildOne(dir, "<key>W</key><string>x</string>", &error), kInterfaceFileDamaged);
 
-  struct Case {
-    std::string control;
-    std::string named;
-  };
-  const Case cases[] = {
-      {"<key>Kind</key><string>Slider</string>", "Slider"},
-      {"<key>Title</key><string>no kind</string>", "Kind"},
-      {"<key>Kind</key><string>PushButton</string><key>Colour</key><string>red</string>", "Colour"},
-      {"<key>Kind</key><string>PushButton</string><key>Command</key><string>ok</string>", "Command"},
-      {"<key>Kind</key><string>CheckBox</string><key>Value</key><string>1</string>", "Value"},
-      {"<key>Kind</key><string>PushButton</string><key>Signature</key><string>Test</string>", "ID"},
-      {"<key>Kind</key><string>StaticText</string><key>Bounds</key><array><integer>1</integer></array>",
+  const std::string kind = "<key>Kind</key><string>";
+  const std::string button = kind + "PushButton</string>";
+  const std::string twice = "<dict>" + button + "<key>Signature</key><string>Test</string>"
+                            "<key>ID</key><integer>1</integer></dict>";
+  const std::pair<std::string, std::string> cases[] = {
+      {"<key>W</key><string>x</string>", "W"},
+      {WithControl(kind + "Slider</string>"), "Slider"},
+      {WithControl("<key>Title</key><string>no kind</string>"), "Kind"},
+      {WithControl(button + "<key>Colour</key><string>red</string>"), "Colour"},
+      {WithControl(button + "<key>Command</key><string>ok</string>"), "Command"},
+      {WithControl(kind + "CheckBox</string><key>Value</key><string>1</string>"), "Value"},
+      {WithControl(button + "<key>Signature</key><string>Test</string>"), "ID"},
+      {WithControl(kind + "StaticText</string><key>Bounds</key><array><integer>1</integer></array>"),
        "Bounds"},
-      {"<key>Kind</key><string>PushButton</string><key>Items</key><array/>", "menu"},
-      {"<key>Kind</key><string>CheckBox</string><key>Controls</key><array/>", "holds no"},
-      {"<key>Kind</key><string>EditText</string><key>Columns</key><array/>", "columns"},
-      {"<key>Kind</key><string>Group</string><key>Controls</key><array><dict>"
-       "<key>Kind</key><string>PopupButton</string><key>Items</key><array><integer>1</integer>"
-       "</array></dict></array>",
+      {WithControl(button + "<key>Items</key><array/>"), "menu"},
+      {WithControl(kind + "CheckBox</string><key>Controls</key><array/>"), "holds no"},
+      {WithControl(kind + "EditText</string><key>Columns</key><array/>"), "columns"},
+      {WithControl(kind + "Group</string><key>Controls</key><array><dict>" + kind +
+                   "PopupButton</string><key>Items</key><array><integer>1</integer></array>"
+                   "</dict></array>"),
        "(Group), control 1 (PopupButton), item 1"},
+      {"<key>W</key><dict><key>Controls</key><array>" + twice + twice + "</array></dict>",
+       "used twice"},
   };
-  for (const Case& c : cases) {
-    error.clear();
-    EXPECT_EQ(BuildOne(dir, WithControl(c.control), &error), kInterfaceFileDamaged) << c.control;
-    EXPECT_NE(error.find(c.named), std::string::npos) << error;
+  for (const auto& [windows, named] : cases) {
+    std::string error;
+    EXPECT_EQ(BuildOne(dir, windows, &error), kInterfaceFileDamaged) << windows;
+    EXPECT_NE(error.find(named), std::string::npos) << error;
   }
-
-  std::string twice = "<key>Kind</key><string>PushButton</string><key>Signature</key>"
-                      "<string>Test</string><key>ID</key><integer>1</integer>";
-  EXPECT_EQ(BuildOne(dir,
-                     "<key>W</key><dict><key>Controls</key><array><dict>" + twice +
-                         "</dict><dict>" + twice + "</dict></array></dict>",
-                     &error),
-            kInterfaceFileDamaged);
-  EXPECT_NE(error.find("used twice"), std::string::npos);
 }
 
 }  // namespace

@@ -30,12 +30,10 @@ TEST(Menus, InsertAfterAPositionDeleteAndFindItems) {
   EXPECT_THAT(Texts(*menu), ElementsAre("A", "B", "C", "D"));
 
   menu->setItemRefCon(2, 6);
-  menu->setRefCon(99);
   EXPECT_EQ(menu->findRefCon(6), 2);
   EXPECT_EQ(menu->findCommand(MakeOSType("Cmdc")), 3);
   EXPECT_EQ(menu->findText("D"), 4);
   EXPECT_EQ(menu->findText("E"), 0);
-  EXPECT_EQ(menu->refCon(), 99u);
 
   EXPECT_EQ(menu->deleteItem(1), noErr);
   EXPECT_EQ(menu->deleteItem(9), menuItemNotFoundErr);
