@@ -4,6 +4,12 @@
 
 namespace varno::cli {
 
+const std::vector<PPDChoice>* PPDDefaults::choicesOf(std::string_view keyword) const {
+  for (const auto& [option, list] : options)
+    if (option == keyword) return &list;
+  return nullptr;
+}
+
 bool ReadPPDDefaults(const std::filesystem::path& path, PPDDefaults& out, std::string& error) {
   ppdcall::FilePtr ppd = ppdcall::Open(path);
   if (!ppd) {
@@ -14,8 +20,13 @@ bool ReadPPDDefaults(const std::filesystem::path& path, PPDDefaults& out, std::s
   out.manufacturer = ppd->manufacturer ? ppd->manufacturer : "";
   out.nickName = ppd->nickname ? ppd->nickname : "";
   out.choices.clear();
+  out.options.clear();
   for (ppd_option_t* option = ppdcall::FirstOption(ppd.get()); option;
        option = ppdcall::NextOption(ppd.get())) {
+    std::vector<PPDChoice> list;
+    for (int i = 0; i < option->num_choices; ++i)
+      list.push_back({option->choices[i].choice, option->choices[i].text});
+    out.options.emplace_back(option->keyword, std::move(list));
     // PageRegion follows PageSize and is not a choice of its own.
     if (std::string_view(option->keyword) == "PageRegion") continue;
     if (ppd_choice_t* choice = ppdcall::FindMarkedChoice(ppd.get(), option->keyword))

@@ -69,6 +69,74 @@ TEST(VarnoPrint, SavedSessionIsReusedAndItsChoicesWin) {
   EXPECT_EQ(ticket->asDictionary()->getDictionary("PPD")->getString("VNOColor"), "BW");
 }
 
+// The ticket varno-print printed, parsed; null (after a test failure) when it is none.
+std::optional<print::Ticket> PrintedTicket(const ProgramRun& run) {
+  std::string error;
+  std::optional<plist::Value> value = plist::Parse(run.out, &error);
+  EXPECT_TRUE(value && value->isDictionary()) << error << run.all;
+  if (!value || !value->isDictionary()) return std::nullopt;
+  std::optional<print::Ticket> ticket = print::Ticket::fromPropertyList(*value->asDictionary(), &error);
+  EXPECT_TRUE(ticket) << error;
+  return ticket;
+}
+
+TEST(VarnoPrint, SettingOptionsAreChosenInTheDialogAndTheTicketRoundTrips) {
+  TempDir dir;
+  const std::string options =
+      "--image-quality HighQuality --toner-saver on --mirror-image on --feed-edge ShortEdge";
+  ProgramRun run = VarnoPrint(options, dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  std::optional<print::Ticket> ticket = PrintedTicket(run);
+  ASSERT_TRUE(ticket);
+  const plist::Dictionary ppd = ticket->ppdDictionary();
+  EXPECT_EQ(ppd.getString("VNOutputMode"), "HighQuality");
+  EXPECT_EQ(ppd.getString("VNEconomode"), "Draft");
+  EXPECT_EQ(ppd.getString("VNFeedEdge"), "ShortEdge");
+  EXPECT_EQ(ticket->number<std::int32_t>("com.varno.print.ImageResolution"), 5);
+  std::optional<plist::Dictionary> invert = ticket->dictionary("com.varno.print.InvertImageOptions");
+  ASSERT_TRUE(invert);
+  EXPECT_EQ(invert->getNumber<std::int64_t>("MirrorImage"), 1);
+  EXPECT_EQ(invert->getNumber<std::int64_t>("NegativeImage"), 0);
+  EXPECT_EQ(ticket->string("com.varno.print.ControllerInformation.ControllerFamily"), "Green");
+
+  const std::string saved = (dir / "job.plist").string();
+  ASSERT_EQ(VarnoPrint(options + " --save-ticket '" + saved + "'", dir).status, 0);
+  ProgramRun again = VarnoPrint("--ticket '" + saved + "'", dir);
+  ASSERT_EQ(again.status, 0) << again.all;
+  EXPECT_EQ(again.out, run.out) << "the saved ticket reproduces itself";
+
+  // Clearing the toner saver cannot take "Draft" out of a ticket; the user is told.
+  ProgramRun cleared = VarnoPrint("--ticket '" + saved + "' --toner-saver off", dir);
+  ASSERT_EQ(cleared.status, 0) << cleared.all;
+  EXPECT_EQ(PrintedTicket(cleared)->ppdDictionary().getString("VNEconomode"), "Draft");
+  EXPECT_NE(cleared.all.find("leaves that in place"), std::string::npos) << cleared.all;
+}
+
+TEST(VarnoPrint, ChoicesAreNamedByKeywordOrTextInAnyCase) {
+  TempDir dir;
+  ProgramRun run = VarnoPrint(
+      "--image-quality 'high speed' --banner-sheet ON --request-offset endofset "
+      "--negative-image On --list",
+      dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  for (const char* line : {"--image-quality  (Image quality)\n    current: HighSpeed\n",
+                           "--banner-sheet  (Banner sheet)\n    current: True\n",
+                           "--request-offset  (Request offset)\n    current: EndOfSet\n",
+                           "--negative-image  (Negative image)\n    current: on\n",
+                           "--feed-edge  (Bypass tray feed edge)\n    current: LongEdge\n"})
+    EXPECT_NE(run.out.find(line), std::string::npos) << line << run.out;
+  EXPECT_NE(run.out.find("choices: LongEdge (\"Long Edge\"), ShortEdge (\"Short Edge\")"),
+            std::string::npos) << run.out;
+
+  ProgramRun unknown = VarnoPrint("--feed-edge Diagonal", dir);
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_NE(unknown.all.find("--feed-edge: no choice \"Diagonal\"; the choices are: LongEdge"),
+            std::string::npos) << unknown.all;
+  EXPECT_TRUE(unknown.out.empty());
+  EXPECT_EQ(VarnoPrint("--toner-saver maybe", dir).status, 2);
+  EXPECT_EQ(VarnoPrint("--mirror-image", dir).status, 2) << "a setting needs its value";
+}
+
 TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
   TempDir dir;
   ProgramRun unknown = VarnoPrint("--frobnicate", dir);

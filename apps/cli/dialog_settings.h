@@ -1,0 +1,63 @@
+// The settings varno-print can change, and how it changes them: on the open (headless)
+// Print dialog, by the control event a person would cause, after showing the panel that
+// holds the control. Choices are named by PPD choice keyword or shown text, in any case.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/toolkit/control.h"
+#include "platform/toolkit/window.h"
+#include "ppd_defaults.h"
+
+namespace varno::cli {
+
+struct SettingOption {
+  const char* name;        // the command-line option without its leading "--"
+  const char* label;       // for --list and messages
+  toolkit::ControlID control;
+  const char* ppdKeyword;  // pop-ups: the PPD option whose choices the menu shows; null for check boxes
+};
+
+// Every setting option, in the order --list shows them.
+std::span<const SettingOption> SettingOptions();
+// The option called `name` (without "--"), or null.
+const SettingOption* FindSettingOption(std::string_view name);
+
+struct SettingChoice {
+  std::string keyword;  // PPD choice keyword, or "on"/"off" for a check box
+  std::string text;     // as the dialog shows it
+};
+
+// What the dialog offers for a setting and which of it is chosen now.
+struct SettingState {
+  std::vector<SettingChoice> choices;
+  std::optional<std::size_t> current;  // index into choices; none when nothing is chosen
+};
+
+enum class ApplyResult { Applied, UnknownChoice, Failed };
+
+class DialogSettings {
+ public:
+  DialogSettings(toolkit::Window& window, const PPDDefaults& ppd) : window_(window), ppd_(ppd) {}
+
+  // nullopt, with a message, when the dialog has no such control.
+  std::optional<SettingState> state(const SettingOption& option, std::string* error) const;
+  // Shows the control's panel and chooses `value` on it. UnknownChoice: `error` names the
+  // valid choices; Failed: the dialog refused.
+  ApplyResult apply(const SettingOption& option, std::string_view value, std::string* error);
+  // Every setting with its current value and its choices, one per line.
+  std::string list() const;
+
+ private:
+  toolkit::Control* find(const SettingOption& option, std::string* error) const;
+  bool showPanelOf(toolkit::Control& control, std::string* error);
+
+  toolkit::Window& window_;
+  const PPDDefaults& ppd_;
+};
+
+}  // namespace varno::cli
