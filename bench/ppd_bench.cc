@@ -15,6 +15,7 @@
 #include "vocabulary/installable_options.h"
 #include "vocabulary/ppd_access.h"
 #include "platform/print/ppd_calls.h"
+#include "ppd_baseline.h"
 
 namespace {
 
@@ -39,22 +40,6 @@ void BM_SharedPPDWithInstallableOptions(benchmark::State& state, const fs::path&
     PPDCloseCurrent();
   }
   SetCurrentPrintSession(nullptr);
-  state.counters["file_bytes"] = static_cast<double>(fs::file_size(ppd));
-}
-
-// `localize` adds the translation pass PPDGetCurrent makes, to tell its share of the
-// difference from what the installable options cost.
-void BM_BareOpenMarkClose(benchmark::State& state, const fs::path& ppd, bool localize) {
-  for (auto _ : state) {
-    ppd_file_t* file = ppdcall::OpenFile(ppd.c_str());
-    if (!file) {
-      state.SkipWithError("cannot open the PPD");
-      break;
-    }
-    if (localize) ppdcall::Localize(file);
-    ppdcall::MarkDefaults(file);
-    ppdcall::Close(file);
-  }
   state.counters["file_bytes"] = static_cast<double>(fs::file_size(ppd));
 }
 
@@ -92,11 +77,11 @@ int main(int argc, char** argv) {
     benchmark::RegisterBenchmark(("BM_SharedPPDWithInstallableOptions/" + name).c_str(),
                                  BM_SharedPPDWithInstallableOptions, path)
         ->Unit(benchmark::kMicrosecond);
-    benchmark::RegisterBenchmark(("BM_BareOpenMarkClose/" + name).c_str(), BM_BareOpenMarkClose,
-                                 path, false)
+    benchmark::RegisterBenchmark(("BM_BareOpenMarkClose/" + name).c_str(),
+                                 bench::BareOpenMarkClose, path, false)
         ->Unit(benchmark::kMicrosecond);
     benchmark::RegisterBenchmark(("BM_BareOpenLocalizeMarkClose/" + name).c_str(),
-                                 BM_BareOpenMarkClose, path, true)
+                                 bench::BareOpenMarkClose, path, true)
         ->Unit(benchmark::kMicrosecond);
   }
   benchmark::RunSpecifiedBenchmarks();
