@@ -7,6 +7,7 @@
 #include <new>
 #include <span>
 
+#include "fax/lan_fax_setup.h"
 #include "host/host_ticket_entries.h"
 #include "host/pde_bundle.h"
 #include "host/plugin_entry.h"
@@ -227,6 +228,7 @@ OSStatus HostInitialize(print::PMPDEContext context, print::PMPDEFlags* flags, p
     host->okButton->setProperty(MakeOSType("VPDE"), kBundleProperty, std::move(bytes));
   }
 
+  RegisterMyHelpBook(host);  // help stays reachable through the bundle's own pages if this fails
   host->initHandlerRef = window->installHandler(kInitializeEvents, dialogHostEventHandler, host);
 
   std::unique_ptr<toolkit::InterfaceFile> file;
@@ -326,6 +328,8 @@ OSStatus HostOpen(print::PMPDEContext context) {
       if (Shown(panel) && panel.interface->Open) panel.interface->Open(panel.context);
   } else {
     host->opened = 1;
+    if (!host->imageManager && host->bundle)
+      host->imageManager = std::make_unique<ImageManager>(host->bundle->resourcesPath());
     if (!host->hostPaneMade && host->parentUserPane) {
       std::unique_ptr<toolkit::InterfaceFile> file;
       std::unique_ptr<toolkit::Window> layout;
@@ -364,7 +368,7 @@ OSStatus HostOpen(print::PMPDEContext context) {
       for (const auto& [id, picture] : pictures) {
         Control* button = host->hostPane->findByID({kHostSignature, id});
         if (!button) continue;
-        if (host->bundle && host->bundle->resourcePath(picture))
+        if (host->imageManager && host->imageManager->picture(picture))
           button->setPictureName(picture);
         else
           button->setVisible(false);  // a button without its picture would be blank
@@ -426,6 +430,13 @@ FirstPanelJobState CopyFirstPanelJobState(DialogHostContext*) {
 }
 
 OSStatus CheckJobBeforeOK(DialogHostContext* host, const FirstPanelJobState& state) {
+  if (state.jobType == kFaxJobType) {
+    if (state.faxRecipientCount > 0) return eventNotHandledErr;
+    // The user presses OK again once recipients are set; nothing re-checks the set-up.
+    plist::Dictionary faxOptions = state.faxOptions;
+    fax::RunModalLANFaxSetup(host ? host->bundle : nullptr, faxOptions, nullptr);
+    return kOKSwallowed;
+  }
   if (state.jobType != kSecurePrintJobType) return eventNotHandledErr;
   if (static_cast<int>(state.securePrintPasscode.size()) >= kMinPasscodeLength)
     return eventNotHandledErr;
@@ -436,6 +447,11 @@ OSStatus CheckJobBeforeOK(DialogHostContext* host, const FirstPanelJobState& sta
       FormatIntegers(Localized(bundle, "Invalid Secure Print Passcode Message"),
                      {kMinPasscodeLength, kMaxPasscodeLength}));
   return kOKSwallowed;
+}
+
+OSStatus RegisterMyHelpBook(DialogHostContext* host) {
+  if (!host || !host->bundle) return fnfErr;
+  return toolkit::AHRegisterHelpBook(host->bundle->path());
 }
 
 OSStatus DisplayHelp(const bundle::BundleRef& bundle, const char* page, const char* anchor) {

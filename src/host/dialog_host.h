@@ -12,7 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "host/image_manager.h"
 #include "platform/bundle/bundle.h"
+#include "platform/plist/value.h"
 #include "platform/print/pde_interface.h"
 #include "platform/toolkit/event_target.h"
 #include "platform/toolkit/window.h"
@@ -65,6 +67,7 @@ struct DialogHostContext {
   toolkit::EventHandlerRef windowHandlerRef = nullptr;  // on the window, each Open
   toolkit::EventHandlerRef initHandlerRef = nullptr;    // on the window, Initialize
   std::uint32_t hostPaneMade = 0;
+  std::unique_ptr<ImageManager> imageManager;  // made at the first Open
 };
 
 // Signature and numbers of the host's controls in "Dialog_Host" / "Window".
@@ -111,6 +114,8 @@ OSStatus dialogHostEventHandler(toolkit::EventHandlerCallRef call, toolkit::Even
                                 void* hostContext);
 // Runs the host Sync on the current host with the current session.
 OSStatus PDESync(void* unused, bool syncDirection);
+// Registers the help book of the host's bundle; fnfErr when the bundle's folder is gone.
+OSStatus RegisterMyHelpBook(DialogHostContext* host);
 // Opens the bundle's help book at a page or an anchor; -50 without a help book name.
 OSStatus DisplayHelp(const bundle::BundleRef& bundle, const char* page, const char* anchor);
 
@@ -119,11 +124,13 @@ OSStatus DisplayHelp(const bundle::BundleRef& bundle, const char* page, const ch
 struct FirstPanelJobState {
   std::int32_t jobType = 0;  // 0: none known
   std::string securePrintPasscode;
+  plist::Dictionary faxOptions;
   std::size_t faxRecipientCount = 0;
 };
 FirstPanelJobState CopyFirstPanelJobState(DialogHostContext* host);
 // The OK check on that state: -9874 lets OK go on; kOKSwallowed keeps the dialog open
-// after telling the user why (a secure-print job needs a passcode).
+// after telling the user why (a secure-print job needs a passcode) or after the LAN fax
+// set-up for a fax job without recipients.
 inline constexpr OSStatus kOKSwallowed = -12345678;
 OSStatus CheckJobBeforeOK(DialogHostContext* host, const FirstPanelJobState& state);
 

@@ -3,6 +3,8 @@
 // check on fixed inputs.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -91,6 +93,9 @@ TEST_F(DialogHost, PrologueReportsTheHostAndLoadsTheFourPanelsInTableOrder) {
   EXPECT_TRUE(parentPane_->contains(HostControl(kHostPaneID)));
   EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{1});
   EXPECT_EQ(selector->value(), 1);
+  const std::vector<std::filesystem::path>& books = toolkit::HeadlessAlerts().helpBooks();
+  EXPECT_NE(std::find(books.begin(), books.end(), bundle->path()), books.end())
+      << "Initialize registers the bundle's help book";
 }
 
 TEST_F(DialogHost, ButtonsStepThroughThePanelsAndWrapAround) {
@@ -99,6 +104,9 @@ TEST_F(DialogHost, ButtonsStepThroughThePanelsAndWrapAround) {
   Control* previous = HostControl(kUpButtonID);
   ASSERT_NE(next, nullptr);
   ASSERT_NE(previous, nullptr);
+  EXPECT_EQ(previous->pictureName(), "ButtonGraphic_MacUp.png");
+  EXPECT_EQ(next->pictureName(), "ButtonGraphic_MacDown.png");
+  EXPECT_TRUE(previous->isShown() && next->isShown()) << "their pictures are in the bundle";
 
   EXPECT_EQ(Hit(previous), noErr);
   EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{4}) << "previous from 1 shows 4";
@@ -268,6 +276,17 @@ TEST(OKCheck, SecurePrintWithoutPasscodeIsHeldBack) {
   state.jobType = 1;
   EXPECT_EQ(CheckJobBeforeOK(nullptr, state), eventNotHandledErr);
   EXPECT_EQ(toolkit::HeadlessAlerts().notices().size(), 2u);
+}
+
+TEST(OKCheck, FaxWithoutRecipientsIsHeldBackForTheSetUp) {
+  toolkit::HeadlessAlerts().clear();
+  FirstPanelJobState state;
+  state.jobType = 5;
+  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), kOKSwallowed);
+  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), kOKSwallowed) << "the set-up's outcome is not re-checked";
+  state.faxRecipientCount = 1;
+  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), eventNotHandledErr);
+  EXPECT_TRUE(toolkit::HeadlessAlerts().notices().empty()) << "a fax job gets the set-up, not the notice";
 }
 
 }  // namespace

@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "host/image_manager.h"
 #include "host/ticket_access.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/alerts.h"
@@ -268,6 +271,44 @@ TEST_F(CustomValueDialogTest, LocalizedTitlesFormatTheTableTextWithTheArguments)
   SetLocalizedStaticText(nullptr, "Copies", &label, 4, "x");
   SetLocalizedStaticText(bundle, nullptr, &label, 4, "x");
   EXPECT_EQ(label.text(), "3 of ten");
+}
+
+// Pictures are shown by name only when the bundle has them, so a renderer never paints
+// a stale or missing file.
+TEST(Pictures, AViewNamesOnlyAPictureTheBundleHas) {
+  testing::TempDir dir;
+  testing::WriteBundleFolder(dir, {});
+  dir.write("Test.plugin/Contents/Resources/Up.png", "picture");
+  bundle::BundleRef bundle = bundle::Bundle::Open(dir / "Test.plugin");
+  ASSERT_NE(bundle, nullptr);
+  std::unique_ptr<toolkit::Window> window = toolkit::Window::create({0, 0, 100, 100}, "w");
+  toolkit::Control* view =
+      window->embed(toolkit::Control::create(toolkit::ControlKind::ImageView, {0, 0, 20, 20}));
+
+  EXPECT_EQ(DrawImage(bundle, "Up.png", view), noErr);
+  EXPECT_EQ(view->pictureName(), "Up.png");
+  EXPECT_EQ(DrawImage(bundle, "Gone.png", view), fnfErr);
+  EXPECT_EQ(view->pictureName(), "") << "a missing picture leaves the view blank";
+  EXPECT_EQ(DrawImage(bundle, nullptr, view), noErr);
+  EXPECT_EQ(DrawImage(bundle, "Up.png", nullptr), paramErr);
+
+  // A picture that disappears is dropped when the view is next drawn.
+  ASSERT_EQ(InitializeIcon(view, "Up.png"), noErr);
+  const toolkit::EventTypeSpec draw{toolkit::kEventClassControl, toolkit::kEventControlDraw};
+  view->installHandler(std::span(&draw, 1), DrawIconEventHandler, bundle.get());
+  view->draw();
+  EXPECT_EQ(view->pictureName(), "Up.png");
+  std::filesystem::remove(dir / "Test.plugin/Contents/Resources/Up.png");
+  view->draw();
+  EXPECT_EQ(view->pictureName(), "");
+
+  // The host's image manager finds files of the folder by name, and nothing outside it.
+  dir.write("Test.plugin/Contents/Resources/Down.png", "picture");
+  host::ImageManager images(bundle->resourcesPath());
+  EXPECT_EQ(images.picture("Down.png"), bundle->resourcesPath() / "Down.png");
+  EXPECT_EQ(images.picture("../Info.plist"), std::nullopt);
+  EXPECT_EQ(images.picture(""), std::nullopt);
+  EXPECT_EQ(images.picture("en.lproj"), std::nullopt) << "a folder is no picture";
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ void HeadlessPresenter::clear() {
   notices_.clear();
   beeps_.clear();
   helpRequests_.clear();
+  helpBooks_.clear();
 }
 
 DialogItemIndex HeadlessPresenter::runAlert(const AlertRequest& alert) {
@@ -28,6 +29,11 @@ DialogItemIndex HeadlessPresenter::runAlert(const AlertRequest& alert) {
 
 OSStatus HeadlessPresenter::showHelp(const HelpRequest& request) {
   helpRequests_.push_back(request);
+  return noErr;
+}
+
+OSStatus HeadlessPresenter::registerHelpBook(const std::filesystem::path& bundleFolder) {
+  helpBooks_.push_back(bundleFolder);
   return noErr;
 }
 
@@ -95,6 +101,12 @@ OSStatus AHGotoPage(std::string_view book, std::string_view page, std::string_vi
 
 OSStatus AHLookupAnchor(std::string_view book, std::string_view anchor) {
   return AHGotoPage(book, {}, anchor);
+}
+
+OSStatus AHRegisterHelpBook(const std::filesystem::path& bundleFolder) {
+  std::error_code ec;
+  if (bundleFolder.empty() || !std::filesystem::is_directory(bundleFolder, ec)) return fnfErr;
+  return CurrentAlertPresenter().registerHelpBook(bundleFolder);
 }
 
 }  // namespace varno::toolkit

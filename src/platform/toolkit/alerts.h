@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -76,6 +77,8 @@ class AlertPresenter {
   virtual void beep(std::int16_t duration) = 0;
   // Opens the help page; returns a status.
   virtual OSStatus showHelp(const HelpRequest& request) = 0;
+  // Makes the help books of a bundle folder known, so their pages can be opened.
+  virtual OSStatus registerHelpBook(const std::filesystem::path& bundleFolder) = 0;
 };
 
 class HeadlessPresenter final : public AlertPresenter {
@@ -92,6 +95,7 @@ class HeadlessPresenter final : public AlertPresenter {
   const std::vector<NoticeRequest>& notices() const { return notices_; }
   const std::vector<std::int16_t>& beeps() const { return beeps_; }
   const std::vector<HelpRequest>& helpRequests() const { return helpRequests_; }
+  const std::vector<std::filesystem::path>& helpBooks() const { return helpBooks_; }
   // Forgets the recordings and the queued answers.
   void clear();
 
@@ -99,6 +103,7 @@ class HeadlessPresenter final : public AlertPresenter {
   void displayNotice(const NoticeRequest& notice) override { notices_.push_back(notice); }
   void beep(std::int16_t duration) override { beeps_.push_back(duration); }
   OSStatus showHelp(const HelpRequest& request) override;
+  OSStatus registerHelpBook(const std::filesystem::path& bundleFolder) override;
 
  private:
   std::deque<DialogItemIndex> answers_;
@@ -106,6 +111,7 @@ class HeadlessPresenter final : public AlertPresenter {
   std::vector<NoticeRequest> notices_;
   std::vector<std::int16_t> beeps_;
   std::vector<HelpRequest> helpRequests_;
+  std::vector<std::filesystem::path> helpBooks_;
 };
 
 // The presenter alerts go through now.
@@ -156,5 +162,7 @@ void SysBeep(std::int16_t duration);
 OSStatus AHGotoPage(std::string_view book, std::string_view page, std::string_view anchor);
 // Opens the page of a help book that holds the anchor.
 OSStatus AHLookupAnchor(std::string_view book, std::string_view anchor);
+// Registers the help books of the bundle at `bundleFolder`; fnfErr when it is not there.
+OSStatus AHRegisterHelpBook(const std::filesystem::path& bundleFolder);
 
 }  // namespace varno::toolkit
