@@ -534,3 +534,7 @@ void ReportPanelPrologue(OSType panelCreator, const std::string& panelTitle, OST
 }
 
 }  // namespace varno::host
+
+extern "C" varno::OSStatus PDESync(void* unused, bool syncDirection) {
+  return varno::host::PDESync(unused, syncDirection);
+}

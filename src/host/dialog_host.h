@@ -135,3 +135,7 @@ inline constexpr OSStatus kOKSwallowed = -12345678;
 OSStatus CheckJobBeforeOK(DialogHostContext* host, const FirstPanelJobState& state);
 
 }  // namespace varno::host
+
+// PDESync exported by name, for panels in other bundles that need the whole dialog written
+// to or read from the ticket.
+extern "C" varno::OSStatus PDESync(void* unused, bool syncDirection);

@@ -7,3 +7,5 @@ bundle::BundleRef gBundle;
 bundle::BundleRef GetPDEBundle() { return gBundle; }
 
 }  // namespace varno
+
+extern "C" varno::bundle::Bundle* GetPDEBundle() { return varno::gBundle.get(); }

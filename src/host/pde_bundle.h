@@ -14,3 +14,7 @@ extern bundle::BundleRef gBundle;
 bundle::BundleRef GetPDEBundle();
 
 }  // namespace varno
+
+// The same, exported by name for code outside the plug-in (another panel bundle, a host),
+// borrowed: valid while the plug-in is loaded.
+extern "C" varno::bundle::Bundle* GetPDEBundle();

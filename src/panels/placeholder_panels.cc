@@ -52,6 +52,8 @@ OSStatus GetPanelInterface(host::PanelInterfaceHolder** out) {
 
 constexpr char kPaperOutput[] = "PaperOutput";
 constexpr char kBookletWatermark[] = "BookletWatermark";
+constexpr char kSpecialPages[] = "SpecialPages";
+constexpr char kJobNotes[] = "JobNotes";
 
 }  // namespace
 }  // namespace varno::panels
@@ -62,4 +64,11 @@ extern "C" varno::OSStatus GetPaperOutputPanelInterface(varno::host::PanelInterf
 extern "C" varno::OSStatus GetBookletWatermarkPanelInterface(
     varno::host::PanelInterfaceHolder** out) {
   return varno::panels::GetPanelInterface<varno::panels::kBookletWatermark>(out);
+}
+// Exported for a panel table that names them; the host's own table does not.
+extern "C" varno::OSStatus GetSpecialPagesPanelInterface(varno::host::PanelInterfaceHolder** out) {
+  return varno::panels::GetPanelInterface<varno::panels::kSpecialPages>(out);
+}
+extern "C" varno::OSStatus GetJobNotesPanelInterface(varno::host::PanelInterfaceHolder** out) {
+  return varno::panels::GetPanelInterface<varno::panels::kJobNotes>(out);
 }

@@ -2,6 +2,11 @@
 // factory its Info.plist registers, asked for interfaces through its own function table.
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "host/dialog_host.h"
 #include "host/plugin_entry.h"
 #include "platform/bundle/bundle.h"
 #include "platform/bundle/plugin.h"
@@ -114,6 +119,35 @@ TEST_F(VarnoPlugIn, FrameworkDriverFindsAndLoadsItByIdentifier) {
   }
   EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before)
       << "the driver releases the instance it made";
+}
+
+TEST_F(VarnoPlugIn, ExportsThePanelGettersAndTheHostCallsByName) {
+  for (const char* name : {"PDESync", "GetPDEBundle"})
+    EXPECT_NE(bundle_->functionPointer(name), nullptr) << name;
+  const std::pair<const char*, const char*> getters[] = {
+      {"GetPaperOutputPanelInterface", "PaperOutput"},
+      {"GetImageOptionsPanelInterface", "ImageOptions"},
+      {"GetBookletWatermarkPanelInterface", "BookletWatermark"},
+      {"GetAdvancedPanelInterface", "Advanced"},
+      {"GetSpecialPagesPanelInterface", "SpecialPages"},
+      {"GetJobNotesPanelInterface", "JobNotes"}};
+  for (const auto& [name, titleKey] : getters) {
+    auto getter = bundle_->function<PanelInterfaceGetter>(name);
+    ASSERT_NE(getter, nullptr) << name;
+    PanelInterfaceHolder* holder = nullptr;
+    ASSERT_EQ(getter(&holder), noErr) << name;
+    ASSERT_TRUE(holder && holder->interface && holder->interface->Prologue) << name;
+    std::unique_ptr<PanelInterface> table(holder->interface);
+    delete holder;
+    print::PMPDEContext context = nullptr;
+    std::string title;
+    ASSERT_EQ(table->Prologue(&context, nullptr, nullptr, &title, nullptr, nullptr), noErr) << name;
+    // The panels find their bundle through the host; without a host Prologue they may
+    // fall back to the key, so either text is right here.
+    EXPECT_TRUE(title == titleKey || title == bundle_->localizedString(titleKey, "Localizable", "?"))
+        << name << ": " << title;
+    EXPECT_EQ(table->Terminate(context, noErr), noErr) << name;
+  }
 }
 
 }  // namespace
