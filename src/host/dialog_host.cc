@@ -523,6 +523,10 @@ OSStatus MakePanelInterfaceHolder(const PanelInterface& entries, PanelInterfaceH
   return noErr;
 }
 
+std::string LocalizedPanelTitle(const bundle::BundleRef& bundle, const char* key) {
+  return bundle ? bundle->localizedString(key, "Localizable", key) : std::string(key);
+}
+
 void ReportPanelPrologue(OSType panelCreator, const std::string& panelTitle, OSType* creator,
                          std::string* kind, std::string* title, std::uint32_t* maxH,
                          std::uint32_t* maxV) {

@@ -33,6 +33,9 @@ using PanelInterfaceGetter = OSStatus (*)(PanelInterfaceHolder** holder);
 // What every panel getter does: a new holder with a copy of `entries` (slots 4 to 10) in
 // `*out`, null when allocation fails; paramErr for a null `out`, else noErr.
 OSStatus MakePanelInterfaceHolder(const PanelInterface& entries, PanelInterfaceHolder** out);
+// A panel's title: `key` in the bundle's "Localizable" table; the key itself without a
+// bundle or a text.
+std::string LocalizedPanelTitle(const bundle::BundleRef& bundle, const char* key);
 // What every panel Prologue reports besides its context: its creator, the host's kind, its
 // title and sizes 0. Null outputs are skipped.
 void ReportPanelPrologue(OSType panelCreator, const std::string& panelTitle, OSType* creator,

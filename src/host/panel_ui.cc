@@ -410,6 +410,25 @@ Rect GetBestControlRect(const Control& control) {
   return {r.top, r.left, r.top + measure->height, r.left + width};
 }
 
+OSStatus LoadPanelLayout(const bundle::BundleRef& bundle, const char* fileName,
+                         const char* windowName, OSType signature,
+                         std::span<const std::int32_t> groupIDs, Control* pane,
+                         std::unique_ptr<toolkit::Window>* layout, const char* caller) {
+  if (!layout) return paramErr;
+  std::unique_ptr<toolkit::InterfaceFile> file;
+  std::string error;
+  OSStatus status = toolkit::InterfaceFile::open(bundle, fileName, &file, &error);
+  if (status == noErr) status = file->createWindow(windowName, layout, &error);
+  if (status != noErr) {
+    std::fprintf(stderr, "%s() failed (%d): %s\n", caller, status, error.c_str());
+    return status;
+  }
+  std::int32_t offset = 0;
+  for (std::int32_t group : groupIDs)
+    AppendViewFromWindowAndUnpack(pane, layout->get(), {signature, group}, &offset);
+  return noErr;
+}
+
 OSStatus SetControlBestRect(Control* control, std::uint32_t alignment, std::int32_t* dx,
                             std::int32_t* dy) {
   if (!control) return paramErr;

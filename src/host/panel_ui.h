@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <span>
@@ -132,6 +133,16 @@ void TranslateView(toolkit::Control* view, std::int32_t dx, std::int32_t dy);
 // for null arguments, or what embedding refused.
 OSStatus AppendViewFromWindowAndUnpack(toolkit::Control* parent, toolkit::Window* window,
                                        toolkit::ControlID viewID, std::int32_t* offset);
+
+// A panel's layout: opens the interface file `fileName` of the bundle, makes its window
+// `windowName` into `*layout` and stacks the views `groupIDs` of it (signature
+// `signature`), one below the other, into `pane`. When the file or window cannot be
+// opened, writes "<caller>() failed (<status>): <why>" to standard error and returns the
+// status.
+OSStatus LoadPanelLayout(const bundle::BundleRef& bundle, const char* fileName,
+                         const char* windowName, OSType signature,
+                         std::span<const std::int32_t> groupIDs, toolkit::Control* pane,
+                         std::unique_ptr<toolkit::Window>* layout, const char* caller);
 
 // Alignment bits of SetControlBestRect; neither bit of a pair centres on that axis.
 inline constexpr std::uint32_t kAlignTop = 1;

@@ -19,8 +19,7 @@ OSStatus PanelPrologue(print::PMPDEContext* context, OSType* creator, std::strin
                        std::string* title, std::uint32_t* maxH, std::uint32_t* maxV) {
   auto* panel = new (std::nothrow) PlaceholderPanelContext{};
   if (!panel) return kPMInvalidPDEContext;
-  bundle::BundleRef bundle = GetPDEBundle();
-  panel->title = bundle ? bundle->localizedString(TitleKey, "Localizable", TitleKey) : TitleKey;
+  panel->title = host::LocalizedPanelTitle(GetPDEBundle(), TitleKey);
   if (context) *context = panel;
   host::ReportPanelPrologue(host::kHostSignature, panel->title, creator, kind, title, maxH, maxV);
   return noErr;
@@ -39,15 +38,11 @@ OSStatus PanelTerminate(print::PMPDEContext context, OSStatus) {
 
 template <const char* TitleKey>
 OSStatus GetPanelInterface(host::PanelInterfaceHolder** out) {
-  host::PanelInterface entries{};
-  entries.Prologue = PanelPrologue<TitleKey>;
-  entries.Initialize = PanelInitialize;
-  entries.Sync = PanelSync;
-  entries.GetSummaryText = PanelGetSummaryText;
-  entries.Open = PanelOpen;
-  entries.Close = PanelClose;
-  entries.Terminate = PanelTerminate;
-  return host::MakePanelInterfaceHolder(entries, out);
+  return host::MakePanelInterfaceHolder(
+      {.Prologue = PanelPrologue<TitleKey>, .Initialize = PanelInitialize, .Sync = PanelSync,
+       .GetSummaryText = PanelGetSummaryText, .Open = PanelOpen, .Close = PanelClose,
+       .Terminate = PanelTerminate},
+      out);
 }
 
 constexpr char kPaperOutput[] = "PaperOutput";

@@ -99,6 +99,12 @@ const char* PPDChoiceForTicketValue(const char* keyword, std::int32_t value) {
   return nullptr;
 }
 
+void PPDSetCurrentChoiceForTicketValue(print::Ticket* ticket, const char* keyword,
+                                       std::int32_t value) {
+  if (const char* choice = PPDChoiceForTicketValue(keyword, value))
+    PPDSetCurrentChoice(ticket, keyword, choice);
+}
+
 void PPDGetTicketValueForChoiceOrDefault(ppd_file_t* ppd, const print::Ticket* ticket,
                                          const char* keyword, std::int32_t* value) {
   if (!keyword || !value) return;

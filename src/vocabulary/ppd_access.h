@@ -33,6 +33,10 @@ void PPDSetCurrentChoice(print::Ticket* ticket, const char* keyword, const char*
 // Through MainKeywordMap and the keyword's choice map; -1 / null when unknown.
 std::int32_t PPDTicketValueForChoice(const char* keyword, const char* choice);
 const char* PPDChoiceForTicketValue(const char* keyword, std::int32_t value);
+// Sets the ticket's choice of `keyword` to the one whose value is `value`; a value without
+// a choice leaves the ticket as it is.
+void PPDSetCurrentChoiceForTicketValue(print::Ticket* ticket, const char* keyword,
+                                       std::int32_t value);
 // `value` := the number of the ticket's choice, else of the PPD's default choice (-1 when
 // unknown); untouched when there is neither.
 void PPDGetTicketValueForChoiceOrDefault(ppd_file_t* ppd, const print::Ticket* ticket,

@@ -8,7 +8,6 @@
 #include "host/pde_bundle.h"
 #include "host/ticket_access.h"
 #include "platform/print/session.h"
-#include "platform/toolkit/interface_file.h"
 #include "platform/toolkit/window.h"
 #include "vocabulary/ppd_access.h"
 #include "vocabulary/setting_maps.h"
@@ -45,11 +44,6 @@ void SetLabel(const bundle::BundleRef& bundle, const char* key, Control* label) 
   SetControlBestRect(label, kAlignTop | kAlignLeft, nullptr, nullptr);
 }
 
-void SetPPDChoice(print::Ticket& ticket, const char* keyword, std::int32_t value) {
-  if (const char* choice = PPDChoiceForTicketValue(keyword, value))
-    PPDSetCurrentChoice(&ticket, keyword, choice);
-}
-
 }  // namespace
 
 OSStatus AdvancedPrologue(print::PMPDEContext* context, OSType* creator, std::string* kind,
@@ -58,8 +52,7 @@ OSStatus AdvancedPrologue(print::PMPDEContext* context, OSType* creator, std::st
   if (!panel) return kPMInvalidPDEContext;
   panel->requestOffset = kDefaultRequestOffset;
   panel->bundle = GetPDEBundle();
-  panel->title = panel->bundle ? panel->bundle->localizedString("Advanced", "Localizable", "Advanced")
-                               : "Advanced";
+  panel->title = host::LocalizedPanelTitle(panel->bundle, "Advanced");
   if (context) *context = panel;
   // Unlike the other panels, this one reports the creator code of its controls.
   host::ReportPanelPrologue(kAdvancedSignature, panel->title, creator, kind, title, maxH, maxV);
@@ -86,9 +79,9 @@ OSStatus AdvancedSync(print::PMPDEContext context, print::Session* session, bool
   if (!syncDirection) {
     ticket.setValue(kBookletLayoutOrderKey, plist::Value(static_cast<CFIndex>(panel->bookletLayoutOrder)),
                     kAdvancedTicketClient);
-    SetPPDChoice(ticket, kBannerKeyword, panel->bannerSheet);
-    SetPPDChoice(ticket, kJogKeyword, panel->requestOffset);
-    SetPPDChoice(ticket, kFeedEdgeKeyword, panel->feedEdge);
+    PPDSetCurrentChoiceForTicketValue(&ticket, kBannerKeyword, panel->bannerSheet);
+    PPDSetCurrentChoiceForTicketValue(&ticket, kJogKeyword, panel->requestOffset);
+    PPDSetCurrentChoiceForTicketValue(&ticket, kFeedEdgeKeyword, panel->feedEdge);
     return noErr;
   }
 
@@ -116,19 +109,12 @@ OSStatus AdvancedOpen(print::PMPDEContext context) {
   if (!panel || panel->opened) return kPMInvalidPDEContext;
   panel->opened = 1;
 
-  std::unique_ptr<toolkit::InterfaceFile> file;
   std::unique_ptr<toolkit::Window> layout;
-  std::string error;
-  OSStatus status = toolkit::InterfaceFile::open(panel->bundle, "AdvancedPanel", &file, &error);
-  if (status == noErr) status = file->createWindow("Advanced", &layout, &error);
-  if (status != noErr) {
-    std::fprintf(stderr, "AdvancedOpen() failed (%d): %s\n", status, error.c_str());
+  if (OSStatus status = LoadPanelLayout(panel->bundle, "AdvancedPanel", "Advanced",
+                                        kAdvancedSignature, kGroupIDs, panel->userPane, &layout,
+                                        "AdvancedOpen");
+      status != noErr)
     return status;
-  }
-  std::int32_t offset = 0;
-  for (std::int32_t group : kGroupIDs)
-    AppendViewFromWindowAndUnpack(panel->userPane, layout.get(), {kAdvancedSignature, group},
-                                  &offset);
 
   Control* pane = panel->userPane;
   panel->bookletOrderLabel = Find(pane, kBookletOrderLabelID);
@@ -181,13 +167,9 @@ void setControls(AdvancedContext* context) {
 
 extern "C" varno::OSStatus GetAdvancedPanelInterface(varno::host::PanelInterfaceHolder** out) {
   using namespace varno::panels;
-  varno::host::PanelInterface entries{};
-  entries.Prologue = AdvancedPrologue;
-  entries.Initialize = AdvancedInitialize;
-  entries.Sync = AdvancedSync;
-  entries.GetSummaryText = AdvancedGetSummaryText;
-  entries.Open = AdvancedOpen;
-  entries.Close = AdvancedClose;
-  entries.Terminate = AdvancedTerminate;
-  return varno::host::MakePanelInterfaceHolder(entries, out);
+  return varno::host::MakePanelInterfaceHolder(
+      {.Prologue = AdvancedPrologue, .Initialize = AdvancedInitialize, .Sync = AdvancedSync,
+       .GetSummaryText = AdvancedGetSummaryText, .Open = AdvancedOpen, .Close = AdvancedClose,
+       .Terminate = AdvancedTerminate},
+      out);
 }

@@ -1,7 +1,6 @@
 #include "panels/image_options/image_options_panel.h"
 
 #include <array>
-#include <cstdio>
 #include <memory>
 #include <new>
 
@@ -9,7 +8,6 @@
 #include "host/pde_bundle.h"
 #include "host/ticket_access.h"
 #include "platform/print/session.h"
-#include "platform/toolkit/interface_file.h"
 #include "platform/toolkit/window.h"
 #include "vocabulary/ppd_access.h"
 #include "vocabulary/setting_maps.h"
@@ -49,11 +47,6 @@ void SetCheckBox(Control* box, bool on) {
   if (box) box->setValue(on ? 1 : 0);
 }
 
-void WriteChoice(print::Ticket& ticket, const char* keyword, std::int32_t value) {
-  if (const char* choice = PPDChoiceForTicketValue(keyword, value))
-    PPDSetCurrentChoice(&ticket, keyword, choice);
-}
-
 }  // namespace
 
 OSStatus ImageOptionsPrologue(print::PMPDEContext* context, OSType* creator, std::string* kind,
@@ -61,9 +54,7 @@ OSStatus ImageOptionsPrologue(print::PMPDEContext* context, OSType* creator, std
   auto* panel = new (std::nothrow) ImageOptionsContext{};
   if (!panel) return kPMInvalidPDEContext;
   panel->bundle = GetPDEBundle();
-  panel->title = panel->bundle
-                     ? panel->bundle->localizedString("ImageOptions", "Localizable", "ImageOptions")
-                     : "ImageOptions";
+  panel->title = host::LocalizedPanelTitle(panel->bundle, "ImageOptions");
   panel->drawHandler = ImageOptionsDrawEventHandler;
   panel->panelHandler = ImageOptionsPanelEventHandler;
   if (context) *context = panel;
@@ -104,7 +95,7 @@ OSStatus ImageOptionsSync(print::PMPDEContext context, print::Session* session,
   }
   // Both directions leave the quality in the ticket, where the printing manager reads it.
   ticket.setValue(kImageResolutionKey, plist::Value(panel->imageQuality), kImageResolutionClient);
-  WriteChoice(ticket, kQualityKeyword, panel->imageQuality);
+  PPDSetCurrentChoiceForTicketValue(&ticket, kQualityKeyword, panel->imageQuality);
   return noErr;
 }
 
@@ -117,19 +108,13 @@ OSStatus ImageOptionsOpen(print::PMPDEContext context) {
   if (!panel || panel->opened) return kPMInvalidPDEContext;
   panel->opened = 1;
 
-  std::unique_ptr<toolkit::InterfaceFile> file;
-  std::unique_ptr<toolkit::Window> layout;
-  std::string error;
-  OSStatus status = toolkit::InterfaceFile::open(panel->bundle, "ImageOptionsPanel", &file, &error);
-  if (status == noErr) status = file->createWindow("ImageOptionsPanel", &layout, &error);
-  if (status != noErr) {
-    std::fprintf(stderr, "ImageOptionsOpen() failed (%d): %s\n", status, error.c_str());
-    return status;
-  }
   Control* pane = panel->userPane;
-  std::int32_t offset = 0;
-  for (std::int32_t group : kGroupIDs)
-    AppendViewFromWindowAndUnpack(pane, layout.get(), {kImageOptionsSignature, group}, &offset);
+  std::unique_ptr<toolkit::Window> layout;
+  if (OSStatus status = LoadPanelLayout(panel->bundle, "ImageOptionsPanel", "ImageOptionsPanel",
+                                        kImageOptionsSignature, kGroupIDs, pane, &layout,
+                                        "ImageOptionsOpen");
+      status != noErr)
+    return status;
   auto find = [pane](std::int32_t id) {
     return pane ? pane->findByID({kImageOptionsSignature, id}) : nullptr;
   };
@@ -217,20 +202,16 @@ void SyncTonerSaverToTicket(ImageOptionsContext* context, print::Ticket& ticket)
   if (context->tonerSaverCheckBox)
     context->tonerSaver = context->tonerSaverCheckBox->value() != 0 ? kTonerSaverOn : 0;
   // A cleared box is 0, which names no choice: the ticket keeps what it had.
-  WriteChoice(ticket, kTonerSaverKeyword, context->tonerSaver);
+  PPDSetCurrentChoiceForTicketValue(&ticket, kTonerSaverKeyword, context->tonerSaver);
 }
 
 }  // namespace varno::panels
 
 extern "C" varno::OSStatus GetImageOptionsPanelInterface(varno::host::PanelInterfaceHolder** out) {
   using namespace varno::panels;
-  varno::host::PanelInterface entries{};
-  entries.Prologue = ImageOptionsPrologue;
-  entries.Initialize = ImageOptionsInitialize;
-  entries.Sync = ImageOptionsSync;
-  entries.GetSummaryText = ImageOptionsGetSummaryText;
-  entries.Open = ImageOptionsOpen;
-  entries.Close = ImageOptionsClose;
-  entries.Terminate = ImageOptionsTerminate;
-  return varno::host::MakePanelInterfaceHolder(entries, out);
+  return varno::host::MakePanelInterfaceHolder(
+      {.Prologue = ImageOptionsPrologue, .Initialize = ImageOptionsInitialize, .Sync = ImageOptionsSync,
+       .GetSummaryText = ImageOptionsGetSummaryText, .Open = ImageOptionsOpen, .Close = ImageOptionsClose,
+       .Terminate = ImageOptionsTerminate},
+      out);
 }

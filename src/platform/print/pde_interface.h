@@ -59,24 +59,24 @@ inline constexpr PMPDEVersion kPDEAPIVersion{1, 0, 1, 0};
 // The ten entry points of a PDE, in this order. Each returns a status, 0 for success.
 struct PDEInterfaceTable {
   // Adds a reference to the interface object.
-  OSStatus (*Retain)(void* object);
+  OSStatus (*Retain)(void* object) = nullptr;
   // Clears *object and drops the reference; the object is freed at zero.
-  OSStatus (*Release)(void** object);
-  OSStatus (*GetAPIVersion)(void* object, PMPDEVersion* version);
+  OSStatus (*Release)(void** object) = nullptr;
+  OSStatus (*GetAPIVersion)(void* object, PMPDEVersion* version) = nullptr;
   // Makes the context and reports the creator, option kind, title and pane size.
   OSStatus (*Prologue)(PMPDEContext* context, OSType* creator, std::string* userOptionKind,
-                       std::string* title, std::uint32_t* maxH, std::uint32_t* maxV);
+                       std::string* title, std::uint32_t* maxH, std::uint32_t* maxV) = nullptr;
   OSStatus (*Initialize)(PMPDEContext context, PMPDEFlags* flags, PMPDERef ref,
-                         ControlRef parentUserPane, Session* session);
+                         ControlRef parentUserPane, Session* session) = nullptr;
   // syncDirection true: ticket to controls; false: controls to ticket.
-  OSStatus (*Sync)(PMPDEContext context, Session* session, bool syncDirection);
+  OSStatus (*Sync)(PMPDEContext context, Session* session, bool syncDirection) = nullptr;
   // Appends summary titles and values, one of each per line.
   OSStatus (*GetSummaryText)(PMPDEContext context, plist::Array* titles,
-                             plist::Array* values);
-  OSStatus (*Open)(PMPDEContext context);
-  OSStatus (*Close)(PMPDEContext context);
+                             plist::Array* values) = nullptr;
+  OSStatus (*Open)(PMPDEContext context) = nullptr;
+  OSStatus (*Close)(PMPDEContext context) = nullptr;
   // Frees the context; `status` tells how the dialog ended.
-  OSStatus (*Terminate)(PMPDEContext context, OSStatus status);
+  OSStatus (*Terminate)(PMPDEContext context, OSStatus status) = nullptr;
 };
 
 // What QueryInterface returns for kPDEInterfaceID: a new object, reference count 1.
