@@ -1,0 +1,53 @@
+#include "model/separators.h"
+
+#include <string>
+
+#include "vocabulary/ppd_access.h"
+
+namespace varno::model {
+namespace {
+
+constexpr const char* kSeparatorOptionKeyword = "VNSlipSheetPrint";
+constexpr const char* kSeparatorSourceKeyword = "VNSlipSheetSource";
+
+std::string Localized(const bundle::BundleRef& bundle, const char* key) {
+  return bundle->localizedString(key, "Localizable", key);
+}
+
+}  // namespace
+
+OSStatus SyncSeparatorsFromTicket(const print::Ticket* ticket, std::int32_t* option,
+                                  std::unique_ptr<Stock>* stock) {
+  if (!ticket || !option || !stock) return paramErr;
+  *option = kNoSeparators;
+  *stock = std::make_unique<Stock>();
+  ppd_file_t* ppd = PPDGetCurrent();
+  PPDGetTicketValueForChoiceOrDefault(ppd, ticket, kSeparatorOptionKeyword, option);
+  if (*option == kNoSeparators) return noErr;
+  std::int32_t source = -1;
+  PPDGetTicketValueForChoiceOrDefault(ppd, ticket, kSeparatorSourceKeyword, &source);
+  (*stock)->setSource(source);
+  return noErr;
+}
+
+OSStatus SyncSeparatorsToTicket(print::Ticket* ticket, std::int32_t option, const Stock* stock) {
+  if (!ticket || (option != kNoSeparators && !stock)) return paramErr;
+  PPDSetCurrentChoiceForTicketValue(ticket, kSeparatorOptionKeyword, option);
+  if (option != kNoSeparators)
+    PPDSetCurrentChoiceForTicketValue(ticket, kSeparatorSourceKeyword, stock->source());
+  return noErr;
+}
+
+OSStatus AppendSeparatorSummary(toolkit::Control* textView, const bundle::BundleRef& bundle,
+                                std::int32_t option, const Stock& stock) {
+  if (!textView || !bundle) return paramErr;
+  if (option != kBlankSeparators && option != kPrintedSeparators) return noErr;
+  std::string tray;
+  if (const char* choice = PPDChoiceForTicketValue(kSeparatorSourceKeyword, stock.source()))
+    tray = PPDCopyChoiceText(PPDGetCurrent(), kSeparatorSourceKeyword, choice).value_or(choice);
+  const std::string line = "- " + Localized(bundle, "Separators") + Localized(bundle, ":") + tray;
+  textView->setText(textView->text() + "\n" + line);
+  return noErr;
+}
+
+}  // namespace varno::model

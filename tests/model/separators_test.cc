@@ -1,0 +1,101 @@
+// Separators travel only as two PPD choices of the ticket; the panel's stock carries the tray.
+#include "model/separators.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "host/ticket_access.h"
+#include "platform/print/session.h"
+#include "platform/toolkit/window.h"
+#include "vocabulary/ppd_access.h"
+#include "vocabulary/setting_maps.h"
+
+namespace varno::model {
+namespace {
+
+// The sample printer is the session's, so the printer's default choices are at hand.
+class Separators : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    session_.setPrinterPPD(VARNO_TEST_DATA_DIR "/../../resources/ppd/Varno-AT120A.ppd");
+    SetCurrentPrintSession(&session_);
+    ticket_ = session_.printSettings();
+  }
+  void TearDown() override {
+    PPDCloseCurrent();
+    SetCurrentPrintSession(nullptr);
+  }
+  void Choose(const char* keyword, const char* choice) {
+    ticket_.ppdDictionary().set(keyword, plist::Value(choice));
+  }
+
+  print::Session session_;
+  print::Ticket ticket_;
+};
+
+TEST_F(Separators, ReadingGivesTheOptionAndAFreshStockWithTheTray) {
+  std::int32_t option = 0;
+  auto stock = std::make_unique<Stock>();
+  stock->setSource(4);
+  stock->setType(Stock::kTransparencyType);
+  // The printer's default is no separators: the new stock keeps no tray.
+  ASSERT_EQ(SyncSeparatorsFromTicket(&ticket_, &option, &stock), noErr);
+  EXPECT_EQ(option, kNoSeparators);
+  EXPECT_EQ(*stock, Stock()) << "the old stock is replaced by a default one";
+  EXPECT_EQ(stock->source(), kUnsetValue);
+
+  Choose("VNSlipSheetPrint", "Printed");
+  Choose("VNSlipSheetSource", "Tray2");
+  ASSERT_EQ(SyncSeparatorsFromTicket(&ticket_, &option, &stock), noErr);
+  EXPECT_EQ(option, kPrintedSeparators);
+  EXPECT_EQ(stock->source(), 2);
+
+  Choose("VNSlipSheetPrint", "Blank");
+  ticket_.ppdDictionary().remove("VNSlipSheetSource");
+  ASSERT_EQ(SyncSeparatorsFromTicket(&ticket_, &option, &stock), noErr);
+  EXPECT_EQ(option, kBlankSeparators);
+  EXPECT_EQ(stock->source(), 0) << "the printer's default tray, Auto";
+
+  EXPECT_EQ(SyncSeparatorsFromTicket(nullptr, &option, &stock), paramErr);
+  EXPECT_EQ(SyncSeparatorsFromTicket(&ticket_, nullptr, &stock), paramErr);
+  EXPECT_EQ(SyncSeparatorsFromTicket(&ticket_, &option, nullptr), paramErr);
+}
+
+TEST_F(Separators, WritingWithoutSeparatorsLeavesTheTrayChoiceAlone) {
+  Stock stock;
+  stock.setSource(3);
+  ASSERT_EQ(SyncSeparatorsToTicket(&ticket_, kBlankSeparators, &stock), noErr);
+  EXPECT_EQ(ticket_.ppdDictionary().getString("VNSlipSheetPrint"), "Blank");
+  EXPECT_EQ(ticket_.ppdDictionary().getString("VNSlipSheetSource"), "Tray3");
+
+  stock.setSource(1);
+  ASSERT_EQ(SyncSeparatorsToTicket(&ticket_, kNoSeparators, &stock), noErr);
+  EXPECT_EQ(ticket_.ppdDictionary().getString("VNSlipSheetPrint"), "None");
+  EXPECT_EQ(ticket_.ppdDictionary().getString("VNSlipSheetSource"), "Tray3");
+  EXPECT_EQ(SyncSeparatorsToTicket(&ticket_, kNoSeparators, nullptr), noErr);
+  EXPECT_EQ(SyncSeparatorsToTicket(&ticket_, kPrintedSeparators, nullptr), paramErr);
+}
+
+TEST_F(Separators, SummaryGetsOneLineOnlyWhenThereAreSeparators) {
+  bundle::BundleRef bundle = bundle::Bundle::Open(VARNO_BUILD_DIR "/VarnoFeatures.plugin");
+  ASSERT_NE(bundle, nullptr);
+  std::unique_ptr<toolkit::Window> window = toolkit::Window::create({0, 0, 200, 100}, "w");
+  toolkit::Control* view =
+      window->embed(toolkit::Control::create(toolkit::ControlKind::StaticText, {0, 0, 200, 100}));
+  view->setText("Paper: Letter");
+  Stock stock;
+  stock.setSource(100);
+
+  ASSERT_EQ(AppendSeparatorSummary(view, bundle, kNoSeparators, stock), noErr);
+  EXPECT_EQ(view->text(), "Paper: Letter");
+  ASSERT_EQ(AppendSeparatorSummary(view, bundle, kBlankSeparators, stock), noErr);
+  EXPECT_EQ(view->text(), "Paper: Letter\n- Separators: Bypass Tray");
+  ASSERT_EQ(AppendSeparatorSummary(view, bundle, kPrintedSeparators, stock), noErr);
+  EXPECT_EQ(view->text(), "Paper: Letter\n- Separators: Bypass Tray\n- Separators: Bypass Tray");
+  EXPECT_EQ(AppendSeparatorSummary(nullptr, bundle, kBlankSeparators, stock), paramErr);
+  EXPECT_EQ(AppendSeparatorSummary(view, nullptr, kBlankSeparators, stock), paramErr);
+}
+
+}  // namespace
+}  // namespace varno::model
