@@ -7,7 +7,7 @@
 
 namespace varno::fax {
 
-struct FaxRecipientList;
+class FaxRecipientList;
 
 // Runs the set-up modally on `faxOptions` and `recipients` and returns when it closes.
 // The dialog itself comes with the fax panel's recipients and options; until then it
