@@ -1,7 +1,8 @@
 // varno-print: the command-line host. It loads the plug-in bundle the way a printing
 // framework does, opens the Print dialog (headless) on a printer — the bundled sample
 // printer unless told otherwise — makes the choices given on the command line as a person
-// would, and writes the resulting print-settings ticket.
+// would, and then writes the resulting print-settings ticket, or prints files with it on a
+// CUPS queue, or keeps it as the queue's defaults.
 #include <unistd.h>
 
 #include <cstdlib>
@@ -10,14 +11,16 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
+#include "command_line.h"
 #include "dialog_settings.h"
 #include "host/plugin_entry.h"
 #include "platform/plist/file.h"
 #include "platform/plist/text.h"
+#include "platform/print/cups_queue.h"
 #include "platform/print/framework_driver.h"
+#include "platform/print/job_options.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"
 #include "ppd_defaults.h"
@@ -25,87 +28,16 @@
 namespace {
 
 using namespace varno;
+using cli::Options;
 
 constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
-
-constexpr const char* kUsage =
-    "usage: varno-print [--ppd FILE | -P QUEUE [--server HOST[:PORT]]]\n"
-    "                   [--ticket IN.plist] [--save-ticket OUT.plist] [--summary] [--list]\n"
-    "                   [--session FILE] [--save FILE] [--bundle-path DIR] [setting options]\n"
-    "\n"
-    "Loads the Varno plug-in bundle, opens the Print dialog on a printer, makes the choices\n"
-    "given as setting options and writes the print-settings ticket to standard output as\n"
-    "an XML property list.\n"
-    "\n"
-    "  --ppd FILE             the printer described by this PPD file\n"
-    "  -P, --queue QUEUE      this CUPS queue (its PPD is fetched from the scheduler)\n"
-    "  --server HOST          the scheduler of -P (default: the usual CUPS server)\n"
-    "  --ticket IN.plist      start from a print-settings ticket saved earlier\n"
-    "  --save-ticket OUT.plist  save the ticket to this file instead of printing it\n"
-    "  --summary              print the dialog's summary of the settings instead of the ticket\n"
-    "  --list                 print every setting option with its choices and current value\n"
-    "  --session FILE         start from a whole session saved with --save\n"
-    "  --save FILE            save the whole session (printer and tickets) to FILE\n"
-    "  --bundle-path DIR      look for the plug-in bundle in DIR first\n"
-    "  --help                 show this text\n"
-    "\n"
-    "Setting options (a choice is its PPD keyword or its shown text, in any case):\n"
-    "  --image-quality CHOICE  --toner-saver on|off  --negative-image on|off\n"
-    "  --mirror-image on|off   --banner-sheet CHOICE --request-offset CHOICE\n"
-    "  --feed-edge CHOICE\n"
-    "\n"
-    "Without --ppd, -P or --session the bundled sample printer is used.\n";
-
-struct Options {
-  std::optional<std::string> ppd, queue, server, ticket, saveTicket, session, save, bundlePath;
-  bool summary = false;
-  bool list = false;
-  // (setting option, value) in command-line order.
-  std::vector<std::pair<const cli::SettingOption*, std::string>> settings;
-};
+// Entries read back from a queue's defaults have lost their writer; they are the ticket's.
+constexpr const char* kDefaultsClient = "com.varno.print";
 
 int Fail(const std::string& message, int status = kExitFailure) {
   std::cerr << "varno-print: " << message << "\n";
   return status;
-}
-
-// Parses the command line; nullopt (after a message) when it is wrong.
-std::optional<Options> ParseArguments(int argc, char** argv, bool& help) {
-  Options options;
-  const std::vector<std::pair<std::string_view, std::optional<std::string>*>> valued = {
-      {"--ppd", &options.ppd},           {"--queue", &options.queue},
-      {"-P", &options.queue},            {"--server", &options.server},
-      {"--ticket", &options.ticket},     {"--save-ticket", &options.saveTicket},
-      {"--session", &options.session},   {"--save", &options.save},
-      {"--bundle-path", &options.bundlePath}};
-  auto usage = [](const std::string& message) {
-    std::cerr << "varno-print: " << message << "\n" << kUsage;
-    return std::nullopt;
-  };
-  for (int i = 1; i < argc; ++i) {
-    std::string_view arg = argv[i];
-    if (arg == "--help" || arg == "-h") {
-      help = true;
-      return options;
-    }
-    if (arg == "--summary" || arg == "--list") {
-      (arg == "--list" ? options.list : options.summary) = true;
-      continue;
-    }
-    std::optional<std::string>* slot = nullptr;
-    for (const auto& [name, target] : valued)
-      if (arg == name) slot = target;
-    const cli::SettingOption* setting =
-        arg.starts_with("--") ? cli::FindSettingOption(arg.substr(2)) : nullptr;
-    if (!slot && !setting) return usage("unknown argument '" + std::string(arg) + "'");
-    if (i + 1 >= argc) return usage(std::string(arg) + " needs a value");
-    if (setting) options.settings.emplace_back(setting, argv[++i]);
-    else *slot = argv[++i];
-  }
-  if (options.ppd && options.queue) return usage("give --ppd or -P, not both");
-  if (options.server && !options.queue) return usage("--server goes with -P");
-  return options;
 }
 
 // The sample printer's PPD: installed beside the program, or in the source tree of a build.
@@ -124,20 +56,6 @@ void PrependBundlePath(const std::string& dir) {
   if (const char* old = std::getenv(bundle::kBundlePathVariable); old && *old)
     value += std::string(":") + old;
   ::setenv(bundle::kBundlePathVariable, value.c_str(), 1);
-}
-
-// Reads the printer's PPD and records its default choices in the ticket's PPD dictionary,
-// keeping any choice the ticket already holds (a saved ticket's choices win).
-int AddPrinterDefaults(print::Session& session, cli::PPDDefaults& defaults) {
-  std::string error;
-  std::optional<std::filesystem::path> ppd = session.ppdPath(&error);
-  if (!ppd) return Fail(error);
-  if (!cli::ReadPPDDefaults(*ppd, defaults, error)) return Fail(error);
-  std::cerr << "varno-print: printer " << defaults.nickName << " (" << ppd->string() << ")\n";
-  plist::Dictionary choices = session.printSettings().ppdDictionary();
-  for (const auto& [keyword, choice] : defaults.choices)
-    if (!choices.contains(keyword)) choices.set(keyword, choice);
-  return 0;
 }
 
 // The session the options describe: saved, or new on the chosen or the sample printer,
@@ -162,6 +80,45 @@ std::unique_ptr<print::Session> OpenSession(const Options& options, std::string&
   return session;
 }
 
+// The printer's PPD, for its default choices and the names of its options.
+int ReadPrinter(print::Session& session, cli::PPDDefaults& ppd) {
+  std::string error;
+  std::optional<std::filesystem::path> path = session.ppdPath(&error);
+  if (!path) return Fail(error);
+  if (!cli::ReadPPDDefaults(*path, ppd, error)) return Fail(error);
+  std::cerr << "varno-print: printer " << ppd.nickName << " (" << path->string() << ")\n";
+  return 0;
+}
+
+// Starts the ticket from the queue's saved defaults: the ticket entries they carry and
+// the choices of the printer's own PPD options.
+int ApplyQueueDefaults(const Options& options, const cli::PPDDefaults& ppd,
+                       print::Session& session) {
+  std::string error;
+  std::optional<std::vector<print::JobOption>> defaults =
+      print::ReadQueueDefaults(*options.queue, options.server.value_or(""), &error);
+  if (!defaults) return Fail(error);
+  std::optional<std::vector<std::pair<std::string, plist::Value>>> entries =
+      print::DecodeTicketEntries(*defaults, &error);
+  if (!entries) return Fail("the defaults of queue \"" + *options.queue + "\": " + error);
+  print::Ticket ticket = session.printSettings();
+  for (auto& [key, value] : *entries) ticket.setValue(key, std::move(value), kDefaultsClient);
+  plist::Dictionary choices = ticket.ppdDictionary();
+  for (const print::JobOption& option : print::PlainJobOptions(*defaults))
+    if (ppd.choicesOf(option.name)) choices.set(option.name, option.value);
+  std::cerr << "varno-print: started from the defaults of queue " << *options.queue << " ("
+            << entries->size() << " ticket entries)\n";
+  return 0;
+}
+
+// Records the printer's default choices in the ticket's PPD dictionary, keeping any
+// choice the ticket already holds (a saved ticket's choices win).
+void AddPrinterDefaults(const cli::PPDDefaults& ppd, print::Session& session) {
+  plist::Dictionary choices = session.printSettings().ppdDictionary();
+  for (const auto& [keyword, choice] : ppd.choices)
+    if (!choices.contains(keyword)) choices.set(keyword, choice);
+}
+
 std::string SummaryText(print::FrameworkDriver& driver) {
   plist::Array titles, values;
   if (driver.getSummaryText(titles, values) != noErr) return {};
@@ -184,15 +141,9 @@ void WarnAboutKeptTonerSaver(const Options& options, const print::Ticket& ticket
                    "the box leaves that in place\n";
 }
 
-int Run(const Options& options) {
-  if (options.bundlePath) PrependBundlePath(*options.bundlePath);
-
-  std::string error;
-  std::unique_ptr<print::Session> session = OpenSession(options, error);
-  if (!session) return Fail(error);
-  cli::PPDDefaults ppd;
-  if (int status = AddPrinterDefaults(*session, ppd)) return status;
-
+// Runs the dialog on the session: Prologue, Initialize, Open, the user's choices, a Sync
+// to the ticket, then whatever output asks for the open dialog (--list, --summary).
+int RunDialog(const Options& options, const cli::PPDDefaults& ppd, print::Session& session) {
   // The dialog the plug-in draws into; declared before the driver, which closes and
   // terminates the plug-in while the window still exists.
   std::unique_ptr<toolkit::Window> window = toolkit::Window::create({0, 0, 700, 600}, "Print");
@@ -206,10 +157,11 @@ int Run(const Options& options) {
   std::cerr << "varno-print: plug-in " << host::kPlugInBundleIdentifier << " from "
             << driver.bundle()->path().string() << " (interface " << version.buildVersionMajor
             << "." << version.buildVersionMinor << ")\n";
-  if (driver.prologue() != noErr || driver.initialize(session.get(), pane) != noErr ||
+  if (driver.prologue() != noErr || driver.initialize(&session, pane) != noErr ||
       driver.open() != noErr)
     return Fail("the plug-in could not open its panels: " + driver.error());
 
+  std::string error;
   cli::DialogSettings settings(*window, ppd);
   for (const auto& [setting, value] : options.settings) {
     switch (settings.apply(*setting, value, &error)) {
@@ -219,8 +171,7 @@ int Run(const Options& options) {
     }
   }
   if (driver.sync(false) != noErr) return Fail("writing the ticket failed: " + driver.error());
-  const print::Ticket ticket = session->printSettings();
-  WarnAboutKeptTonerSaver(options, ticket);
+  WarnAboutKeptTonerSaver(options, session.printSettings());
 
   if (options.list) std::cout << settings.list();
   if (options.summary) {
@@ -230,15 +181,43 @@ int Run(const Options& options) {
   }
   if (driver.close() != noErr || driver.terminate(noErr) != noErr)
     return Fail("the plug-in failed to close: " + driver.error());
+  return 0;
+}
 
+// What happens to the finished ticket: kept, saved as defaults, shown as job options,
+// printed with the files, or written out.
+int Deliver(const Options& options, print::Session& session) {
+  std::string error;
+  const print::Ticket ticket = session.printSettings();
   if (options.save) {
-    if (!session->save(*options.save, &error)) return Fail(error);
+    if (!session.save(*options.save, &error)) return Fail(error);
     std::cerr << "varno-print: session saved to " << *options.save << "\n";
   }
+  // Saved before anything reaches a scheduler, so a refused job loses no settings.
   if (options.saveTicket) {
     if (!ticket.save(*options.saveTicket, &error)) return Fail(error);
     std::cerr << "varno-print: ticket saved to " << *options.saveTicket << "\n";
-  } else if (!options.list && !options.summary) {
+  }
+  std::optional<std::vector<print::JobOption>> jobOptions = print::TicketToJobOptions(ticket, &error);
+  if (!jobOptions) return Fail("the ticket cannot become job options: " + error);
+  const std::string queue = options.queue.value_or("");
+  const std::string server = options.server.value_or("");
+
+  if (options.saveDefaults) {
+    if (!print::SaveQueueDefaults(queue, server, *jobOptions, &error)) return Fail(error);
+    std::cerr << "varno-print: the ticket is now the default of queue " << queue << "\n";
+  }
+  if (options.dryRun) {
+    for (const print::JobOption& option : *jobOptions)
+      std::cout << option.name << "=" << option.value << "\n";
+  } else if (!options.files.empty()) {
+    const std::vector<std::filesystem::path> files(options.files.begin(), options.files.end());
+    const std::string title = files.front().filename().string();
+    const int job = print::SubmitJob(queue, server, files, *jobOptions, title, &error);
+    if (job == 0) return Fail(error);
+    std::cerr << "varno-print: request id is " << queue << "-" << job << " (" << files.size()
+              << (files.size() == 1 ? " file)\n" : " files)\n");
+  } else if (!options.saveTicket && !options.list && !options.summary) {
     std::optional<std::string> xml = plist::ToXML(ticket.toPropertyList(), &error);
     if (!xml) return Fail(error);
     std::cout << *xml;
@@ -246,14 +225,27 @@ int Run(const Options& options) {
   return std::cout.flush() ? 0 : Fail("cannot write to standard output");
 }
 
+int Run(const Options& options) {
+  if (options.bundlePath) PrependBundlePath(*options.bundlePath);
+  std::string error;
+  std::unique_ptr<print::Session> session = OpenSession(options, error);
+  if (!session) return Fail(error);
+  cli::PPDDefaults ppd;
+  if (int status = ReadPrinter(*session, ppd)) return status;
+  if (options.ticketFromDefaults)
+    if (int status = ApplyQueueDefaults(options, ppd, *session)) return status;
+  AddPrinterDefaults(ppd, *session);
+  if (int status = RunDialog(options, ppd, *session)) return status;
+  return Deliver(options, *session);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  bool help = false;
-  std::optional<Options> options = ParseArguments(argc, argv, help);
+  std::optional<Options> options = cli::ParseArguments(argc, argv);
   if (!options) return kExitUsage;
-  if (help) {
-    std::cout << kUsage;
+  if (options->help) {
+    std::cout << cli::kUsage;
     return 0;
   }
   return Run(*options);

@@ -246,6 +246,21 @@ std::optional<std::string> ToXML(const Value& value, std::string* error) {
   return text;
 }
 
+std::optional<std::string> ToBinary(const Value& value, std::string* error) {
+  PlistPtr root = ToNode(value, 0, error);
+  if (!root) return std::nullopt;
+  char* bytes = nullptr;
+  uint32_t length = 0;
+  plist_to_bin(root.get(), &bytes, &length);
+  if (!bytes) {
+    SetError(error, "could not be rendered as a binary property list");
+    return std::nullopt;
+  }
+  std::string data(bytes, length);
+  plist_to_bin_free(bytes);
+  return data;
+}
+
 std::optional<Value> ReadFile(const std::filesystem::path& path, std::string* error) {
   const std::string name = path.string();
   FileDescriptor fd(::open(name.c_str(), O_RDONLY | O_CLOEXEC));

@@ -26,6 +26,10 @@ std::optional<Value> Parse(std::string_view bytes, std::string* error = nullptr)
 // than kMaxDepth.
 std::optional<std::string> ToXML(const Value& value, std::string* error = nullptr);
 
+// Renders a value as a binary property list ("bplist00"): compact, and exact for every
+// kind of value, which is why job options carry values in it. Fails as ToXML does.
+std::optional<std::string> ToBinary(const Value& value, std::string* error = nullptr);
+
 // Reads a whole property-list file. Missing, unreadable, oversized, truncated, non-plist
 // and too-deeply nested files give nullopt with a message naming the file.
 std::optional<Value> ReadFile(const std::filesystem::path& path, std::string* error = nullptr);

@@ -24,10 +24,6 @@ class FetchedPPD {
   std::filesystem::path folder_;
 };
 
-// How long to wait for a scheduler to accept a connection, and for each reply after it.
-inline constexpr int kConnectTimeoutMilliseconds = 2000;
-inline constexpr double kReplyTimeoutSeconds = 10.0;
-
 // Fetches the PPD of CUPS queue `queue` from `server` ("host", "host:port", "[v6]:port" or
 // a socket path; empty for the default scheduler). Returns the file, or null with a
 // message in `error` when the queue name is unusable, no scheduler answers, the queue is

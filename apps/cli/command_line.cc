@@ -1,0 +1,98 @@
+#include "command_line.h"
+
+#include <iostream>
+#include <string_view>
+
+namespace varno::cli {
+
+const char* const kUsage =
+    "usage: varno-print [--ppd FILE | -P QUEUE [-h SERVER[:PORT]]] [setting options]\n"
+    "                   [--ticket IN.plist | --ticket-from-defaults] [--save-ticket OUT.plist]\n"
+    "                   [--summary] [--list] [--dry-run] [--save-defaults]\n"
+    "                   [--session FILE] [--save FILE] [--bundle-path DIR] [FILE...]\n"
+    "\n"
+    "Loads the Varno plug-in bundle, opens the Print dialog on a printer and makes the\n"
+    "choices given as setting options. With -P and files it prints them as one job on the\n"
+    "CUPS queue; otherwise it writes the print-settings ticket to standard output as an\n"
+    "XML property list.\n"
+    "\n"
+    "  --ppd FILE               the printer described by this PPD file\n"
+    "  -P, --queue QUEUE        this CUPS queue (its PPD is fetched from the scheduler)\n"
+    "  -h, --server HOST[:PORT] the scheduler of -P (default: CUPS_SERVER or the usual one)\n"
+    "  --ticket IN.plist        start from a print-settings ticket saved earlier\n"
+    "  --ticket-from-defaults   start from the defaults saved for the queue (-P)\n"
+    "  --save-ticket OUT.plist  save the ticket to this file instead of printing it\n"
+    "  --summary                print the dialog's summary of the settings instead\n"
+    "  --list                   print every setting option with its choices and value\n"
+    "  --dry-run                print the job's options instead of submitting it\n"
+    "  --save-defaults          keep the ticket as the queue's default options (-P), so\n"
+    "                           jobs from any application carry it\n"
+    "  --session FILE           start from a whole session saved with --save\n"
+    "  --save FILE              save the whole session (printer and tickets) to FILE\n"
+    "  --bundle-path DIR        look for the plug-in bundle in DIR first\n"
+    "  --help                   show this text\n"
+    "\n"
+    "Setting options (a choice is its PPD keyword or its shown text, in any case):\n"
+    "  --image-quality CHOICE  --toner-saver on|off  --negative-image on|off\n"
+    "  --mirror-image on|off   --banner-sheet CHOICE --request-offset CHOICE\n"
+    "  --feed-edge CHOICE\n"
+    "\n"
+    "Without --ppd, -P or --session the bundled sample printer is used.\n";
+
+std::optional<Options> ParseArguments(int argc, char** argv) {
+  Options options;
+  const std::vector<std::pair<std::string_view, std::optional<std::string>*>> valued = {
+      {"--ppd", &options.ppd},         {"--queue", &options.queue},
+      {"-P", &options.queue},          {"--server", &options.server},
+      {"-h", &options.server},         {"--ticket", &options.ticket},
+      {"--save-ticket", &options.saveTicket}, {"--session", &options.session},
+      {"--save", &options.save},       {"--bundle-path", &options.bundlePath}};
+  const std::vector<std::pair<std::string_view, bool*>> flags = {
+      {"--summary", &options.summary},         {"--list", &options.list},
+      {"--dry-run", &options.dryRun},          {"--save-defaults", &options.saveDefaults},
+      {"--ticket-from-defaults", &options.ticketFromDefaults}, {"--help", &options.help}};
+  auto usage = [](const std::string& message) {
+    std::cerr << "varno-print: " << message << "\n" << kUsage;
+    return std::nullopt;
+  };
+  bool onlyFiles = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string_view arg = argv[i];
+    if (onlyFiles || arg == "-" || !arg.starts_with("-")) {
+      options.files.emplace_back(arg);
+      continue;
+    }
+    if (arg == "--") {
+      onlyFiles = true;
+      continue;
+    }
+    bool* flag = nullptr;
+    for (const auto& [name, target] : flags)
+      if (arg == name) flag = target;
+    if (flag) {
+      *flag = true;
+      if (options.help) return options;
+      continue;
+    }
+    std::optional<std::string>* slot = nullptr;
+    for (const auto& [name, target] : valued)
+      if (arg == name) slot = target;
+    const SettingOption* setting = arg.starts_with("--") ? FindSettingOption(arg.substr(2)) : nullptr;
+    if (!slot && !setting) return usage("unknown argument '" + std::string(arg) + "'");
+    if (i + 1 >= argc) return usage(std::string(arg) + " needs a value");
+    if (setting) options.settings.emplace_back(setting, argv[++i]);
+    else *slot = argv[++i];
+  }
+  if (options.ppd && options.queue) return usage("give --ppd or -P, not both");
+  if (options.server && !options.queue) return usage("-h goes with -P");
+  if (options.ticket && options.ticketFromDefaults)
+    return usage("give --ticket or --ticket-from-defaults, not both");
+  if (!options.queue) {
+    if (!options.files.empty()) return usage("files are printed on a queue: give -P QUEUE");
+    if (options.saveDefaults) return usage("--save-defaults needs -P QUEUE");
+    if (options.ticketFromDefaults) return usage("--ticket-from-defaults needs -P QUEUE");
+  }
+  return options;
+}
+
+}  // namespace varno::cli

@@ -1,0 +1,33 @@
+// varno-print's command line: what the user asked for, checked before anything runs.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "dialog_settings.h"
+
+namespace varno::cli {
+
+struct Options {
+  std::optional<std::string> ppd, queue, server, ticket, saveTicket, session, save, bundlePath;
+  bool summary = false;
+  bool list = false;
+  bool dryRun = false;
+  bool saveDefaults = false;
+  bool ticketFromDefaults = false;
+  bool help = false;
+  // (setting option, value) in command-line order.
+  std::vector<std::pair<const SettingOption*, std::string>> settings;
+  // Files to print, in order.
+  std::vector<std::string> files;
+};
+
+extern const char* const kUsage;
+
+// Parses the arguments; nullopt, after a message and the usage on standard error, when
+// they are wrong.
+std::optional<Options> ParseArguments(int argc, char** argv);
+
+}  // namespace varno::cli

@@ -1,0 +1,36 @@
+// Jobs on a CUPS queue, and a user's saved default options for it (the lpoptions file
+// that libcups keeps: ~/.cups/lpoptions, or <CUPS_SERVERROOT>/lpoptions for root).
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/print/job_options.h"
+
+namespace varno::print {
+
+// Submits `files`, in order, as one job on `queue` of `server` ("host[:port]", a socket
+// path, or empty for the default scheduler). Every file is checked to be readable first,
+// and a job whose files cannot all be sent is cancelled, so nothing prints half-way.
+// Returns the job id, or 0 with a one-line message in `error`.
+int SubmitJob(std::string_view queue, std::string_view server,
+              std::span<const std::filesystem::path> files, const std::vector<JobOption>& options,
+              std::string_view title, std::string* error);
+
+// Stores `options` as the user's default options of the queue. Ticket entries saved
+// before and PPD choices named again are replaced, so the defaults are exactly this
+// ticket's; other saved options stay.
+bool SaveQueueDefaults(std::string_view queue, std::string_view server,
+                       const std::vector<JobOption>& options, std::string* error);
+
+// The queue's default options as the user's jobs get them (saved options over the
+// scheduler's), or nullopt with a message.
+std::optional<std::vector<JobOption>> ReadQueueDefaults(std::string_view queue,
+                                                        std::string_view server,
+                                                        std::string* error);
+
+}  // namespace varno::print
