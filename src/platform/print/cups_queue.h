@@ -1,5 +1,5 @@
 // Jobs on a CUPS queue, and a user's saved default options for it (the lpoptions file
-// that libcups keeps: ~/.cups/lpoptions, or <CUPS_SERVERROOT>/lpoptions for root).
+// that libcups keeps in the user's $HOME/.cups, root's included).
 #pragma once
 
 #include <filesystem>

@@ -27,6 +27,10 @@ int MarkOption(ppd_file_t* ppd, const char* keyword, const char* choice) {
   return ppdMarkOption(ppd, keyword, choice);
 }
 
+int MarkOptions(ppd_file_t* ppd, int count, cups_option_t* options) {
+  return cupsMarkOptions(ppd, count, options);
+}
+
 int Conflicts(ppd_file_t* ppd) { return ppdConflicts(ppd); }
 
 ppd_option_t* FirstOption(ppd_file_t* ppd) { return ppdFirstOption(ppd); }

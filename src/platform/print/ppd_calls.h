@@ -27,6 +27,10 @@ void Close(ppd_file_t* ppd);
 void MarkDefaults(ppd_file_t* ppd);
 // ppdMarkOption: marks a choice and returns the number of conflicts in the PPD afterwards.
 int MarkOption(ppd_file_t* ppd, const char* keyword, const char* choice);
+// cupsMarkOptions: marks job options the way a filter does before it writes the job, the
+// standard names (media, sides ...) mapped to their PPD options. Returns 1 when a
+// conflict remains, 0 otherwise.
+int MarkOptions(ppd_file_t* ppd, int count, cups_option_t* options);
 // ppdConflicts: the number of conflicts among the marked choices.
 int Conflicts(ppd_file_t* ppd);
 

@@ -1,6 +1,8 @@
 #include "platform/print/scheduler_connection.h"
 
+#include <cerrno>
 #include <charconv>
+#include <cstring>
 
 namespace varno::print::detail {
 namespace {
@@ -24,7 +26,8 @@ std::optional<Endpoint> ParseServer(std::string_view server, std::string& error)
   if (server.empty()) {
     // cupsServer() already honours CUPS_SERVER and client.conf and leaves the port to ippPort().
     std::string host = cupsServer();
-    return Endpoint{host, ippPort(), "the default scheduler (" + host + ")"};
+    const std::string shown = host.starts_with("/") ? host : host + ":" + std::to_string(ippPort());
+    return Endpoint{host, ippPort(), "the default scheduler (" + shown + ")"};
   }
   const std::string shown = "the scheduler at \"" + std::string(server) + "\"";
   if (server.front() == '/') return Endpoint{std::string(server), 0, shown};
@@ -73,11 +76,14 @@ Connection ConnectToScheduler(const Endpoint& endpoint, std::string_view purpose
             LastCupsError("unknown host");
     return nullptr;
   }
+  errno = 0;
   Connection http(httpConnect2(endpoint.host.c_str(), endpoint.port, addresses.get(), AF_UNSPEC,
                                cupsEncryption(), 1, kConnectTimeoutMilliseconds, nullptr));
   if (!http) {
+    // The socket's own reason ("Connection refused"); libcups' last error may be stale here.
+    const int reason = errno;
     error = "cannot reach " + endpoint.shown + " " + std::string(purpose) + ": " +
-            LastCupsError("no answer");
+            (reason ? std::strerror(reason) : LastCupsError("no answer"));
     return nullptr;
   }
   httpSetTimeout(http.get(), kReplyTimeoutSeconds, GiveUp, nullptr);
