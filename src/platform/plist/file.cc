@@ -323,23 +323,50 @@ bool WriteFile(const std::filesystem::path& path, const Value& value, std::strin
   return ReplaceFileContents(path, *xml, error);
 }
 
-bool ReplaceFileContents(const std::filesystem::path& path, std::string_view bytes,
-                         std::string* error) {
-  const std::string name = path.string();
+namespace {
+
+// Which step of a replacement failed, for the message.
+enum class ReplaceStep { Create, Permissions, Write, Rename };
+
+// Writes `bytes` to a temporary file beside `path` with exactly `mode` (set on the
+// descriptor before anything is in it, never through the path), flushes it, renames it
+// over `path` and flushes the folder, so after a crash the folder names the old file or
+// the new one. 0 or the errno of the failing step; the old file is untouched then.
+int ReplaceFile(const std::filesystem::path& path, std::string_view bytes, mode_t mode,
+                ReplaceStep* step) {
   std::filesystem::path folder = path.parent_path();
   if (folder.empty()) folder = ".";
   std::string temp = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
+  *step = ReplaceStep::Create;
   FileDescriptor fd(::mkstemp(temp.data()));
-  if (fd.get() < 0) {
-    SetError(error, name + ": cannot write in " + folder.string() + ": " + SystemError(errno));
-    return false;
-  }
-  auto fail = [&](const std::string& what, int err) {
+  if (fd.get() < 0) return errno;
+  auto fail = [&](ReplaceStep failed, int err) {
     fd.reset();
     ::unlink(temp.c_str());
-    SetError(error, name + ": " + what + ": " + SystemError(err));
-    return false;
+    *step = failed;
+    return err ? err : EIO;
   };
+  if (::fchmod(fd.get(), mode) != 0) return fail(ReplaceStep::Permissions, errno);
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    ssize_t n = ::write(fd.get(), bytes.data() + done, bytes.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return fail(ReplaceStep::Write, errno);
+    done += static_cast<std::size_t>(n);
+  }
+  if (::fsync(fd.get()) != 0) return fail(ReplaceStep::Write, errno);
+  if (!fd.reset()) return fail(ReplaceStep::Write, errno);
+  if (::rename(temp.c_str(), path.c_str()) != 0) return fail(ReplaceStep::Rename, errno);
+  FileDescriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (dir.get() >= 0) ::fsync(dir.get());
+  return 0;
+}
+
+}  // namespace
+
+bool ReplaceFileContents(const std::filesystem::path& path, std::string_view bytes,
+                         std::string* error) {
+  const std::string name = path.string();
   // A replaced file keeps its permissions; a new one gets the usual 0644 less the umask.
   struct stat old {};
   mode_t mode = 0644;
@@ -350,24 +377,32 @@ bool ReplaceFileContents(const std::filesystem::path& path, std::string_view byt
     ::umask(mask);
     mode &= ~mask;
   }
-  if (::fchmod(fd.get(), mode) != 0) return fail("cannot set permissions", errno);
+  ReplaceStep step;
+  const int err = ReplaceFile(path, bytes, mode, &step);
+  if (err == 0) return true;
+  std::filesystem::path folder = path.parent_path();
+  if (folder.empty()) folder = ".";
+  switch (step) {
+    case ReplaceStep::Create:
+      SetError(error, name + ": cannot write in " + folder.string() + ": " + SystemError(err));
+      break;
+    case ReplaceStep::Permissions:
+      SetError(error, name + ": cannot set permissions: " + SystemError(err));
+      break;
+    case ReplaceStep::Write:
+      SetError(error, name + ": write failed: " + SystemError(err));
+      break;
+    case ReplaceStep::Rename:
+      SetError(error, name + ": cannot replace the file: " + SystemError(err));
+      break;
+  }
+  return false;
+}
 
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    ssize_t n = ::write(fd.get(), bytes.data() + done, bytes.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return fail("write failed", errno);
-    done += static_cast<std::size_t>(n);
-  }
-  if (::fsync(fd.get()) != 0) return fail("write failed", errno);
-  if (!fd.reset()) return fail("write failed", errno);
-  if (::rename(temp.c_str(), name.c_str()) != 0) {
-    int err = errno;
-    ::unlink(temp.c_str());
-    SetError(error, name + ": cannot replace the file: " + SystemError(err));
-    return false;
-  }
-  return true;
+int ReplaceFileContentsWithMode(const std::filesystem::path& path, std::string_view bytes,
+                                mode_t mode) {
+  ReplaceStep step;
+  return ReplaceFile(path, bytes, mode, &step);
 }
 
 }  // namespace varno::plist

@@ -4,6 +4,8 @@
 // target, so a crash or a full disk never leaves a torn file behind; the last writer wins.
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -47,5 +49,9 @@ bool WriteFile(const std::filesystem::path& path, const Value& value,
 // rename). On failure the previous file is left as it was.
 bool ReplaceFileContents(const std::filesystem::path& path, std::string_view bytes,
                          std::string* error = nullptr);
+// As ReplaceFileContents, but the file gets exactly `mode` whoever wrote the old one (for
+// files shared by all users). Returns 0 or the errno of the failure.
+int ReplaceFileContentsWithMode(const std::filesystem::path& path, std::string_view bytes,
+                                mode_t mode);
 
 }  // namespace varno::plist
