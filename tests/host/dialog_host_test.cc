@@ -23,9 +23,7 @@ namespace varno::host {
 namespace {
 
 using toolkit::Control;
-using toolkit::ControlKind;
 
-const std::string kVarnoPPD = testing::kVarnoTestPPD;
 const std::string kOtherMakerPPD = VARNO_TEST_DATA_DIR "/ppd/Other-Maker.ppd";
 const char* const kPanelTitleKeys[] = {"PaperOutput", "ImageOptions", "BookletWatermark",
                                        "Advanced"};
@@ -57,7 +55,6 @@ class DialogHost : public testing::PlugInDialogTest {
     event.set(toolkit::kEventParamDirectObject, toolkit::typeHICommand, command);
     return window_->send(event);
   }
-
 };
 
 TEST_F(DialogHost, PrologueReportsTheHostAndLoadsTheFourPanelsInTableOrder) {
@@ -98,51 +95,39 @@ TEST_F(DialogHost, PrologueReportsTheHostAndLoadsTheFourPanelsInTableOrder) {
       << "Initialize registers the bundle's help book";
 }
 
-TEST_F(DialogHost, ButtonsStepThroughThePanelsAndWrapAround) {
+// The buttons and the step commands wrap around, the commands go on to the framework, and
+// the selector ignores the panel already shown; the selector always names the shown panel.
+TEST_F(DialogHost, ButtonsStepCommandsAndTheSelectorShowOnePanel) {
   OpenDialog();
   Control* next = HostControl(kDownButtonID);
   Control* previous = HostControl(kUpButtonID);
-  ASSERT_NE(next, nullptr);
-  ASSERT_NE(previous, nullptr);
+  Control* selector = HostControl(kSelectorID);
+  ASSERT_TRUE(next && previous && selector);
   EXPECT_EQ(previous->pictureName(), "ButtonGraphic_MacUp.png");
   EXPECT_EQ(next->pictureName(), "ButtonGraphic_MacDown.png");
   EXPECT_TRUE(previous->isShown() && next->isShown()) << "their pictures are in the bundle";
 
-  EXPECT_EQ(Hit(previous), noErr);
-  EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{4}) << "previous from 1 shows 4";
-  EXPECT_EQ(HostControl(kSelectorID)->value(), 4);
-  EXPECT_EQ(Hit(next), noErr);
-  EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{1}) << "next from 4 shows 1";
-  for (std::int32_t expected : {2, 3, 4}) {
-    EXPECT_EQ(Hit(next), noErr);
-    EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{expected});
-    EXPECT_EQ(HostControl(kSelectorID)->value(), expected);
+  const struct {
+    char action;  // n(ext), p(revious), u(p command), d(own command), s(elector hit)
+    std::int32_t choose;  // the selector's value before a selector hit
+    OSStatus status;
+    std::int32_t shown;
+  } steps[] = {{'s', 1, eventNotHandledErr, 1}, {'p', 0, noErr, 4}, {'n', 0, noErr, 1},
+               {'n', 0, noErr, 2},  {'n', 0, noErr, 3},  {'n', 0, noErr, 4},
+               {'u', 0, eventNotHandledErr, 1}, {'u', 0, eventNotHandledErr, 2},
+               {'d', 0, eventNotHandledErr, 1}, {'d', 0, eventNotHandledErr, 4},
+               {'s', 3, noErr, 3}, {'s', 3, eventNotHandledErr, 3}};
+  int step = 0;
+  for (const auto& [action, choose, status, shown] : steps) {
+    if (action == 's') selector->setValue(choose);
+    const OSStatus result = action == 'n'   ? Hit(next)
+                            : action == 'p' ? Hit(previous)
+                            : action == 's' ? Hit(selector)
+                                            : Command(MakeOSType(action == 'u' ? "VFup" : "VFdn"));
+    EXPECT_EQ(result, status) << "step " << step;
+    EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{shown}) << "step " << step;
+    EXPECT_EQ(selector->value(), shown) << "step " << step++;
   }
-}
-
-TEST_F(DialogHost, StepCommandsMoveOnePanelAndPassTheCommandOn) {
-  OpenDialog();
-  EXPECT_EQ(Command(MakeOSType("VFdn")), eventNotHandledErr);
-  EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{4});
-  EXPECT_EQ(Command(MakeOSType("VFup")), eventNotHandledErr);
-  EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{1});
-  EXPECT_EQ(Command(MakeOSType("VFup")), eventNotHandledErr);
-  EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{2}) << "one step per command";
-  EXPECT_EQ(HostControl(kSelectorID)->value(), 2);
-}
-
-TEST_F(DialogHost, SelectorShowsTheChosenPanelAndIgnoresTheShownOne) {
-  OpenDialog();
-  Control* selector = HostControl(kSelectorID);
-  ASSERT_NE(selector, nullptr);
-  EXPECT_EQ(Hit(selector), eventNotHandledErr) << "panel 1 is shown already";
-  EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{1});
-
-  selector->setValue(3);
-  EXPECT_EQ(Hit(selector), noErr);
-  EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{3});
-  EXPECT_EQ(Hit(selector), eventNotHandledErr);
-  EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{3});
 }
 
 TEST_F(DialogHost, OKGoesOnWhileThereIsNoJobTypeToCheck) {
@@ -152,13 +137,15 @@ TEST_F(DialogHost, OKGoesOnWhileThereIsNoJobTypeToCheck) {
   EXPECT_TRUE(toolkit::HeadlessAlerts().notices().empty());
 }
 
-TEST_F(DialogHost, WritingTheTicketAddsTheHostEntries) {
+TEST_F(DialogHost, WritingTheTicketAddsTheHostEntriesAndReadingItNone) {
   print::Ticket settings = session_->printSettings();
   settings.setValue(kRotateBookletKey, plist::Value(true), "V");
   plist::Dictionary jobType;
   jobType.set("JobType", plist::Value(kFaxJobType));
   settings.setValue(kJobTypeKey, plist::Value(jobType), "com.varno.printingmanager");
   OpenDialog();
+  ASSERT_EQ(driver_.sync(true), noErr) << driver_.error();
+  EXPECT_FALSE(settings.contains(kControllerFamilyKey) || settings.contains(kVNIFOptionsKey));
 
   ASSERT_EQ(driver_.sync(false), noErr) << driver_.error();
   EXPECT_EQ(settings.string(kControllerFamilyKey), "Green");
@@ -173,14 +160,6 @@ TEST_F(DialogHost, WritingTheTicketAddsTheHostEntries) {
     EXPECT_EQ(vnif->getBoolean(key), true) << key;
   EXPECT_FALSE(settings.contains(kRotateBookletKey));
   EXPECT_EQ(settings.ppdDictionary().getString("VNOColor"), "BW") << "fax jobs print black";
-}
-
-TEST_F(DialogHost, ReadingTheTicketWritesNothingOfTheHost) {
-  OpenDialog();
-  print::Ticket settings = session_->printSettings();
-  ASSERT_EQ(driver_.sync(true), noErr) << driver_.error();
-  EXPECT_FALSE(settings.contains(kControllerFamilyKey));
-  EXPECT_FALSE(settings.contains(kVNIFOptionsKey));
 }
 
 TEST_F(DialogHost, AnotherMakersPrinterIsRefused) {
@@ -221,13 +200,11 @@ TEST_F(DialogHost, NullContextsAreRefused) {
 // The host entries on fixed client information.
 
 TEST(HostTicketEntries, ComputerNameNeedsAUserAndLatinOneCharacters) {
-  EXPECT_TRUE(IsControllerPrintableName("Office PC"));
-  EXPECT_TRUE(IsControllerPrintableName("Caf\xC3\xA9 \xC3\xBE"));       // U+00E9, U+00FE
-  EXPECT_FALSE(IsControllerPrintableName("Caf\xC3\xBF"));               // U+00FF
-  EXPECT_FALSE(IsControllerPrintableName("\xC4\x80"));                  // U+0100
-  EXPECT_FALSE(IsControllerPrintableName("tab\there"));                 // below U+0020
-  EXPECT_FALSE(IsControllerPrintableName("bad\xC3"));                   // cut sequence
-  EXPECT_FALSE(IsControllerPrintableName("\xC1\x81"));                  // overlong 'A'
+  for (const char* name : {"Office PC", "Caf\xC3\xA9 \xC3\xBE"})  // U+00E9, U+00FE
+    EXPECT_TRUE(IsControllerPrintableName(name)) << name;
+  // U+00FF, U+0100, a character below U+0020, a cut sequence, an overlong 'A'
+  for (const char* name : {"Caf\xC3\xBF", "\xC4\x80", "tab\there", "bad\xC3", "\xC1\x81"})
+    EXPECT_FALSE(IsControllerPrintableName(name)) << name;
 
   print::Ticket ticket;
   ASSERT_EQ(WriteHostTicketEntries(ticket, {"ana", "Caf\xC3\xA9", "192.0.2.7"}), noErr);
@@ -261,32 +238,27 @@ TEST(HostTicketEntries, OnlyFaxJobsForceBlackAndWhite) {
   EXPECT_EQ(malformed.string(kControllerFamilyKey), "Green") << "written before the job type";
 }
 
-TEST(OKCheck, SecurePrintWithoutPasscodeIsHeldBack) {
+// Secure print without a passcode gets a notice each time; fax without recipients gets
+// the set-up (not the notice), whose outcome is not re-checked.
+TEST(OKCheck, JobsLackingWhatTheirTypeNeedsAreHeldBack) {
   toolkit::HeadlessAlerts().clear();
-  FirstPanelJobState state;
-  state.jobType = 6;
-  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), kOKSwallowed);
-  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), kOKSwallowed);
-  ASSERT_EQ(toolkit::HeadlessAlerts().notices().size(), 2u) << "the notice shows each time";
+  FirstPanelJobState secure, fax, plain;
+  secure.jobType = 6;
+  fax.jobType = 5;
+  plain.jobType = 1;
+  const std::pair<const FirstPanelJobState*, std::size_t> heldBack[] = {
+      {&fax, 0}, {&fax, 0}, {&secure, 1}, {&secure, 2}};  // state, notices shown so far
+  for (const auto& [state, notices] : heldBack) {
+    EXPECT_EQ(CheckJobBeforeOK(nullptr, *state), kOKSwallowed) << state->jobType;
+    ASSERT_EQ(toolkit::HeadlessAlerts().notices().size(), notices) << state->jobType;
+  }
   EXPECT_EQ(toolkit::HeadlessAlerts().notices()[0].header, "Invalid Secure Print Passcode Header");
 
-  state.securePrintPasscode = "4";
-  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), eventNotHandledErr);
-  state = {};
-  state.jobType = 1;
-  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), eventNotHandledErr);
+  secure.securePrintPasscode = "4";
+  fax.faxRecipientCount = 1;
+  for (const FirstPanelJobState* state : {&secure, &fax, &plain})
+    EXPECT_EQ(CheckJobBeforeOK(nullptr, *state), eventNotHandledErr) << state->jobType;
   EXPECT_EQ(toolkit::HeadlessAlerts().notices().size(), 2u);
-}
-
-TEST(OKCheck, FaxWithoutRecipientsIsHeldBackForTheSetUp) {
-  toolkit::HeadlessAlerts().clear();
-  FirstPanelJobState state;
-  state.jobType = 5;
-  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), kOKSwallowed);
-  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), kOKSwallowed) << "the set-up's outcome is not re-checked";
-  state.faxRecipientCount = 1;
-  EXPECT_EQ(CheckJobBeforeOK(nullptr, state), eventNotHandledErr);
-  EXPECT_TRUE(toolkit::HeadlessAlerts().notices().empty()) << "a fax job gets the set-up, not the notice";
 }
 
 }  // namespace

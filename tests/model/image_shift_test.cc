@@ -9,19 +9,6 @@ namespace {
 
 using plist::Dictionary;
 
-_IS_Options Shift(std::int32_t inches, std::int32_t x1, std::int32_t y1, std::int32_t x2,
-                  std::int32_t y2) {
-  _IS_Options options;
-  ImageShiftInitialize(nullptr, nullptr, &options);
-  options.option = 2;
-  options.inches = inches;
-  options.x1 = x1;
-  options.y1 = y1;
-  options.x2 = x2;
-  options.y2 = y2;
-  return options;
-}
-
 TEST(ImageShiftTicket, OnlyALoadedRecordWithAnOptionIsWritten) {
   _IS_Options options;
   options.option = 2;
@@ -31,31 +18,32 @@ TEST(ImageShiftTicket, OnlyALoadedRecordWithAnOptionIsWritten) {
   EXPECT_FALSE(ImageShiftCreateTicketFromOptions(options, 1));  // no option any more
 }
 
-TEST(ImageShiftTicket, InchesAreWrittenInHundredthsOfMillimetreAndReadBack) {
-  std::optional<Dictionary> ticket =
-      ImageShiftCreateTicketFromOptions(Shift(1, 100, 50, -100, 0), 1);
-  ASSERT_TRUE(ticket);
-  EXPECT_EQ(*ticket, (Dictionary{{"Option", 2}, {"Inches", 1}, {"FullPrecision", true},
-                                 {"X1", 2540}, {"Y1", 1270}, {"X2", -2540}, {"Y2", 0}}));
-  _IS_Options back;
-  ImageShiftSetOptionsFromTicket(&back, *ticket);
-  EXPECT_EQ(back.loaded, 1);
-  EXPECT_EQ(back.option, 2);
-  EXPECT_EQ(back.x1, 100);
-  EXPECT_EQ(back.y1, 50);
-  EXPECT_EQ(back.x2, -100);
-}
-
-TEST(ImageShiftTicket, MillimetresAreWrittenTimesTen) {
-  std::optional<Dictionary> ticket = ImageShiftCreateTicketFromOptions(Shift(0, 125, 0, -125, 3), 1);
-  ASSERT_TRUE(ticket);
-  EXPECT_EQ(*ticket, (Dictionary{{"Option", 2}, {"Inches", 0}, {"FullPrecision", true},
-                                 {"X1", 1250}, {"Y1", 0}, {"X2", -1250}, {"Y2", 30}}));
-  _IS_Options back;
-  ImageShiftSetOptionsFromTicket(&back, *ticket);
-  EXPECT_EQ(back.inches, 0);
-  EXPECT_EQ(back.x2, -125);
-  EXPECT_EQ(back.y2, 3);
+// Inches are written in hundredths of a millimetre, millimetres times ten; both read back.
+TEST(ImageShiftTicket, DistancesAreWrittenInFullPrecisionAndReadBack) {
+  const struct {
+    std::int32_t inches, x1, y1, x2, y2;
+    Dictionary expected;
+  } cases[] = {
+      {1, 100, 50, -100, 0,
+       {{"Option", 2}, {"Inches", 1}, {"FullPrecision", true},
+        {"X1", 2540}, {"Y1", 1270}, {"X2", -2540}, {"Y2", 0}}},
+      {0, 125, 0, -125, 3,
+       {{"Option", 2}, {"Inches", 0}, {"FullPrecision", true},
+        {"X1", 1250}, {"Y1", 0}, {"X2", -1250}, {"Y2", 30}}}};
+  for (const auto& c : cases) {
+    _IS_Options options;
+    ImageShiftInitialize(nullptr, nullptr, &options);
+    options.option = 2;
+    options.inches = c.inches;
+    options.x1 = c.x1, options.y1 = c.y1, options.x2 = c.x2, options.y2 = c.y2;
+    std::optional<Dictionary> ticket = ImageShiftCreateTicketFromOptions(options, 1);
+    ASSERT_TRUE(ticket);
+    EXPECT_EQ(*ticket, c.expected);
+    _IS_Options back;
+    ImageShiftSetOptionsFromTicket(&back, *ticket);
+    EXPECT_EQ(back.loaded, 1);
+    EXPECT_EQ(ImageShiftCreateTicketFromOptions(back, 1), ticket);
+  }
 }
 
 TEST(ImageShiftTicket, ReadingTruncatesAndFillsDefaults) {

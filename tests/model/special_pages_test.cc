@@ -42,8 +42,9 @@ OSStatus Add(SpecialPageList& list, const Pages&... pages) {
 }
 
 // Each range as {start, end, tag}.
-std::vector<std::array<std::int32_t, 3>> Ranges(const ExceptionPageList& list) {
-  std::vector<std::array<std::int32_t, 3>> ranges;
+using R = std::vector<std::array<std::int32_t, 3>>;
+R Ranges(const ExceptionPageList& list) {
+  R ranges;
   for (std::int32_t i = 0; i < list.count(); ++i) {
     const ExceptionPage* page = list.pageAtIndex(i);
     ranges.push_back({page->startPage(), page->endPage(), page->lightenDarken()});
@@ -107,11 +108,10 @@ TEST(InsertOrder, SamePageKeepsTheOrderOfAdding) {
   InsertList list;
   ASSERT_EQ(Add(list, MakeInsert(5, 1), MakeInsert(2, 2)), noErr);
   ASSERT_EQ(Add(list, MakeInsert(5, 3)), noErr);
-  ASSERT_EQ(list.count(), 3);
-  EXPECT_EQ(list.pageAtIndex(0)->quantity(), 2);
-  EXPECT_EQ(list.pageAtIndex(1)->quantity(), 1);
-  EXPECT_EQ(list.pageAtIndex(2)->quantity(), 3);
-  EXPECT_EQ(list.pageAtIndex(3), nullptr);
+  std::vector<std::int32_t> quantities;
+  for (std::int32_t i = 0; list.pageAtIndex(i); ++i)
+    quantities.push_back(list.pageAtIndex(i)->quantity());
+  EXPECT_EQ(quantities, (std::vector<std::int32_t>{2, 1, 3}));
   EXPECT_EQ(list.pageAtIndex(-1), nullptr);
 }
 
@@ -140,28 +140,21 @@ TEST(InsertOrder, PromoteStopsAtTheHeadAndBeforePageZero) {
   EXPECT_EQ(list.indexOfPage(second), 1);
 }
 
-TEST(ExceptionMerge, NewestRangeWinsAndSplitsOlder) {
+// The newest range wins: it splits, trims or replaces older ones; later ranges append.
+TEST(ExceptionMerge, NewestRangeWinsAndSplitsOrTrimsOlder) {
   ExceptionPageList list;
   Add(list, MakeRange(1, 10, 1));
   Add(list, MakeRange(4, 6, 2));
-  using R = std::vector<std::array<std::int32_t, 3>>;
   EXPECT_EQ(Ranges(list), (R{{1, 3, 1}, {4, 6, 2}, {7, 10, 1}}));
   Add(list, MakeRange(1, 10, 3));
   EXPECT_EQ(Ranges(list), (R{{1, 10, 3}}));
-}
 
-TEST(ExceptionMerge, EarlierStartTrimsOlderAndLaterRangesAppend) {
-  ExceptionPageList list;
-  Add(list, MakeRange(5, 8, 1), MakeRange(1, 6, 2));
-  using R = std::vector<std::array<std::int32_t, 3>>;
-  EXPECT_EQ(Ranges(list), (R{{1, 6, 2}, {7, 8, 1}}));
-  Add(list, MakeRange(9, 12, 3));
-  EXPECT_EQ(Ranges(list), (R{{1, 6, 2}, {7, 8, 1}, {9, 12, 3}}));
-  Add(list, MakeRange(7, 7, 4));
+  list.clear();
+  Add(list, MakeRange(5, 8, 1), MakeRange(1, 6, 2), MakeRange(9, 12, 3), MakeRange(7, 7, 4));
   EXPECT_EQ(Ranges(list), (R{{1, 6, 2}, {7, 7, 4}, {8, 8, 1}, {9, 12, 3}}));
 }
 
-TEST(SpecialPageListOwnership, ListsHoldClonesAndRefuseWrongPages) {
+TEST(SpecialPageList, HoldsClonesRefusesWrongPagesAndUpdatesInPlace) {
   ExceptionPageList list;
   ExceptionPage mine = MakeRange(1, 4, 1);
   Add(list, mine);
@@ -179,12 +172,10 @@ TEST(SpecialPageListOwnership, ListsHoldClonesAndRefuseWrongPages) {
   InsertList inserts;
   EXPECT_EQ(Add(inserts, MakeRange(1, 2, 1)), paramErr);
   EXPECT_EQ(inserts.count(), 0);
-}
 
-TEST(SpecialPageListUpdate, ReplacesThePageOrPutsItBack) {
-  ExceptionPageList list;
+  // Updating replaces the page, or puts it back when the new one is refused.
+  list.clear();
   Add(list, MakeRange(1, 3, 1), MakeRange(5, 8, 2), MakeRange(10, 12, 3));
-  using R = std::vector<std::array<std::int32_t, 3>>;
   const ExceptionPage* middle = list.pageAtIndex(1);
 
   const ExceptionPage backwards = MakeRange(9, 4, 4);
@@ -232,7 +223,6 @@ TEST(SpecialPagesTicket, ReadingMergesAndSortsWhatWasStored) {
   ExceptionPageList ranges;
   Add(ranges, MakeRange(20, 30, 9));
   ASSERT_EQ(ReadExceptionList(ticket, ranges), noErr);
-  using R = std::vector<std::array<std::int32_t, 3>>;
   EXPECT_EQ(Ranges(ranges), (R{{1, 3, 1}, {4, 6, 2}, {7, 10, 1}}));
 
   InsertList inserts;

@@ -13,17 +13,18 @@ using plist::Dictionary;
 using plist::Value;
 
 TEST(ColorOptionsSetters, RefuseOutOfRangeAndKeepTheOldValue) {
-  FullColorOptions options;
-  EXPECT_EQ(options.setLightness(101), paramErr);
-  EXPECT_EQ(options.setLightness(-101), paramErr);
-  EXPECT_EQ(options.setLightness(-100), noErr);
-  EXPECT_EQ(options.setContrast(100), noErr);
-  EXPECT_EQ(options.setContrast(101), paramErr);
-  EXPECT_EQ(options.setSaturation(-101), paramErr);
-  EXPECT_EQ(options.lightness(), -100);
-  EXPECT_EQ(options.setLightness(kUnsetValue), noErr);
-  EXPECT_EQ(options.lightness(), kUnsetValue);
+  using F = FullColorOptions;
+  const std::pair<OSStatus (F::*)(std::int32_t), std::int32_t (F::*)() const> fields[] = {
+      {&F::setLightness, &F::lightness}, {&F::setContrast, &F::contrast},
+      {&F::setSaturation, &F::saturation}};
+  for (const auto& [set, get] : fields) {
+    F options;
+    for (std::int32_t value : {-100, 100, kUnsetValue, 7}) EXPECT_EQ((options.*set)(value), noErr);
+    for (std::int32_t value : {101, -101}) EXPECT_EQ((options.*set)(value), paramErr);
+    EXPECT_EQ((options.*get)(), 7);
+  }
 
+  FullColorOptions options;
   ASSERT_EQ(options.setColorCast(1, 2, 3), noErr);
   EXPECT_EQ(options.setColorCast(10, 20, 101), paramErr);
   EXPECT_EQ(options.colorCast().cyanRed, 1) << "all three or none";

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <memory>
 #include <random>
 #include <thread>
 
@@ -83,15 +84,11 @@ TEST_F(WatermarkStoreStress, TwoProcessesSavingAndRemovingLeaveOnlyWholeRecords)
   saveWatermarkData(kWatermarkStoreFileName, NumberedRecord("seed", 0));
   pid_t writers[] = {Spawn({"churn", "A", "1000"}), Spawn({"churn", "B", "1000"})};
   // A failed assertion ends the test early; writers left running would outlive its folder.
-  struct StopWriters {
-    pid_t* pids;
-    ~StopWriters() {
-      for (int i = 0; i < 2; ++i)
-        if (pids[i] > 0) ::kill(pids[i], SIGKILL), ::waitpid(pids[i], nullptr, 0);
-    }
-  } stop{writers};
-  ASSERT_GT(writers[0], 0);
-  ASSERT_GT(writers[1], 0);
+  std::unique_ptr<pid_t[], void (*)(pid_t*)> stop(writers, [](pid_t* pids) {
+    for (int i = 0; i < 2; ++i)
+      if (pids[i] > 0) ::kill(pids[i], SIGKILL), ::waitpid(pids[i], nullptr, 0);
+  });
+  ASSERT_TRUE(writers[0] > 0 && writers[1] > 0);
   // Meanwhile this process reads: no read may see a torn or missing file.
   int reads = 0, running = 2, status = 0;
   while (running > 0) {

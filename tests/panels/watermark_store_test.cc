@@ -51,9 +51,8 @@ TEST_F(WatermarkStore, FilesAreSharedByAllUsersAndReplacedWhole) {
   ::umask(old);
   EXPECT_EQ(Mode(folder()), 0777u) << "no sticky bit: users replace each other's files";
   EXPECT_EQ(Mode(store()), 0666u);
-  int entries = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(folder())) (void)entry, ++entries;
-  EXPECT_EQ(entries, 1) << "no temporary file left behind";
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder()), {}), 1)
+      << "no temporary file left behind";
   EXPECT_FALSE(CopyPreferenceFileURL("../escape.plist"));
 }
 
@@ -148,10 +147,8 @@ TEST_F(WatermarkStore, DamagedStoreIsReportedKeptAsideAndStartedAfresh) {
   EXPECT_EQ(ReadAll(store().string() + ".damaged"), "<plist><dict><key>A");
 
   support.write("Varno/" + std::string(kWatermarkStoreFileName), "<array/>");
-  ::testing::internal::CaptureStderr();
   Array names{"B"};
   saveWatermarkList(kWatermarkStoreFileName, &names);
-  ::testing::internal::GetCapturedStderr();
   EXPECT_EQ(ReadAll(store().string() + ".damaged.1"), "<array/>") << "older copies are kept";
   EXPECT_EQ(root()->getArray(kWatermarkListEntriesKey), names);
 }
