@@ -95,6 +95,12 @@ std::string LookUp(const bundle::BundleRef& bundle, const char* key) {
   return bundle->localizedString(key, kStringTable, kStringNotFound);
 }
 
+// The table's text for `key` used as a printf format for `args`.
+std::string LocalizedV(const bundle::BundleRef& bundle, const char* key, va_list args) {
+  const std::string format = LookUp(bundle, key);
+  return FormatV(format.c_str(), args);
+}
+
 }  // namespace
 
 // --- Character sets ------------------------------------------------------------------
@@ -265,10 +271,9 @@ OSStatus CustomValueEventHandler(EventHandlerCallRef, EventRef event, void* dial
 void SetLocalizedStaticText(const bundle::BundleRef& bundle, const char* key, Control* control,
                             ...) {
   if (!bundle || !key || !control) return;
-  const std::string format = LookUp(bundle, key);
   va_list args;
   va_start(args, control);
-  std::string text = FormatV(format.c_str(), args);
+  std::string text = LocalizedV(bundle, key, args);
   va_end(args);
   control->setText(std::move(text));
   control->draw();
@@ -277,10 +282,9 @@ void SetLocalizedStaticText(const bundle::BundleRef& bundle, const char* key, Co
 void SetLocalizedControlTitle(const bundle::BundleRef& bundle, const char* key, Control* control,
                               ...) {
   if (!bundle || !key || !control) return;
-  const std::string format = LookUp(bundle, key);
   va_list args;
   va_start(args, control);
-  std::string text = FormatV(format.c_str(), args);
+  std::string text = LocalizedV(bundle, key, args);
   va_end(args);
   control->setText(std::move(text));
 }
@@ -288,10 +292,9 @@ void SetLocalizedControlTitle(const bundle::BundleRef& bundle, const char* key, 
 void SetLocalizedWindowTitle(const bundle::BundleRef& bundle, const char* key, Window* window,
                              ...) {
   if (!bundle || !key || !window) return;
-  const std::string format = LookUp(bundle, key);
   va_list args;
   va_start(args, window);
-  std::string text = FormatV(format.c_str(), args);
+  std::string text = LocalizedV(bundle, key, args);
   va_end(args);
   window->setText(std::move(text));
 }
@@ -299,10 +302,9 @@ void SetLocalizedWindowTitle(const bundle::BundleRef& bundle, const char* key, W
 void SetLocalizedMenuTitle(const bundle::BundleRef& bundle, const char* key, Menu* menu,
                            MenuItemIndex item, ...) {
   if (!bundle || !key || !menu) return;
-  const std::string format = LookUp(bundle, key);
   va_list args;
   va_start(args, item);
-  std::string text = FormatV(format.c_str(), args);
+  std::string text = LocalizedV(bundle, key, args);
   va_end(args);
   menu->setItemText(item, std::move(text));
 }
