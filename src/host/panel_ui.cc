@@ -1,6 +1,5 @@
 #include "host/panel_ui.h"
 
-#include <cfloat>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -325,9 +324,15 @@ void GetMediaLimits(float* minWidth, float* minHeight, float* maxWidth, float* m
 }
 
 int CountDigits(std::int64_t n) {
-  if (n == 0) return 1;
-  // The epsilon keeps exact powers of ten from landing just below their digit count.
-  return static_cast<int>(std::log10(std::fabs(static_cast<double>(n))) + 1.0 + DBL_EPSILON);
+  // Counted on the integer, not through log10: in double precision log10(999999999999999)
+  // rounds up to 15 and would count 16 digits. The magnitude is unsigned so INT64_MIN fits.
+  std::uint64_t magnitude = n < 0 ? 0 - static_cast<std::uint64_t>(n) : static_cast<std::uint64_t>(n);
+  int digits = 1;
+  while (magnitude >= 10) {
+    magnitude /= 10;
+    ++digits;
+  }
+  return digits;
 }
 
 std::string CreateLocalizedCFStringFromNumberWithDecimals(double value, int decimals,
