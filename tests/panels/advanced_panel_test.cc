@@ -5,25 +5,19 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include "host/dialog_host.h"
 #include "panels/image_options/advanced_panel.h"
-#include "platform/bundle/bundle.h"
-#include "platform/print/framework_driver.h"
-#include "platform/print/session.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/automation_script.h"
-#include "platform/toolkit/window.h"
 #include "support/plugin_dialog.h"
 
 namespace varno::panels {
 namespace {
 
 using toolkit::Control;
-using toolkit::ControlKind;
 
 const std::string kVarnoPPD = testing::kVarnoTestPPD;
 constexpr std::int32_t kAdvancedTab = 4;
@@ -31,13 +25,11 @@ constexpr std::int32_t kVujn = MakeOSType("Vujn");
 
 // A copy of the test PPD without the "Jog" default, so the panel has none to read.
 std::string PPDWithoutJogDefault() {
-  const std::filesystem::path path =
-      std::filesystem::temp_directory_path() / "advanced_panel_no_jog_default.ppd";
+  const auto path = std::filesystem::temp_directory_path() / "advanced_panel_no_jog_default.ppd";
   std::ifstream in(kVarnoPPD);
   std::ofstream out(path);
-  std::string line;
-  while (std::getline(in, line))
-    if (line.rfind("*DefaultJog:", 0) != 0) out << line << '\n';
+  for (std::string line; std::getline(in, line);)
+    if (!line.starts_with("*DefaultJog:")) out << line << '\n';
   return path.string();
 }
 
@@ -51,44 +43,17 @@ class AdvancedPanel : public testing::PlugInDialogTest {
     ASSERT_NE(selector, nullptr);
     ASSERT_EQ(toolkit::ChooseMenuItem(*selector, kAdvancedTab), noErr);
     Control* pane = window_->findByID({host::kPanelPaneSignature, kAdvancedTab});
-    ASSERT_NE(pane, nullptr);
-    ASSERT_TRUE(pane->isShown());
+    ASSERT_TRUE(pane && pane->isShown());
   }
-
+  void Choose(std::int32_t id, const char* text) {
+    ASSERT_NE(Panel(id), nullptr) << id;
+    ASSERT_EQ(toolkit::ChooseMenuItemByText(*Panel(id), text), noErr) << text;
+  }
   Control* Panel(std::int32_t id) { return window_->findByID({kAdvancedSignature, id}); }
   std::optional<std::string> PPDChoice(const char* keyword) {
     return session_->printSettings().ppdDictionary().getString(keyword);
   }
 };
-
-TEST_F(AdvancedPanel, OpenShowsTheLabelledControlsInThePane) {
-  OpenAdvanced();
-  const bundle::BundleRef& bundle = driver_.bundle();
-  Control* pane = window_->findByID({host::kPanelPaneSignature, kAdvancedTab});
-  const std::pair<std::int32_t, const char*> labels[] = {{kBookletOrderLabelID, "Booklet Image Order:"},
-                                                          {kBannerSheetLabelID, "Banner Sheet:"},
-                                                          {kRequestOffsetLabelID, "Request Offset:"},
-                                                          {kFeedEdgeLabelID, "Bypass Feed Edge Label"},
-                                                          {kAboutButtonID, "About..."}};
-  for (const auto& [id, key] : labels) {
-    Control* control = Panel(id);
-    ASSERT_NE(control, nullptr) << id;
-    EXPECT_TRUE(pane->contains(control)) << id;
-    EXPECT_EQ(control->text(), bundle->localizedString(key, "Localizable", "?")) << id;
-  }
-  // The groups are stacked one below the other: each row starts lower than the last.
-  std::int32_t lastTop = -1;
-  for (std::int32_t id : {kBookletOrderPopupID, kBannerSheetPopupID, kRequestOffsetPopupID,
-                          kFeedEdgePopupID, kAboutButtonID}) {
-    ASSERT_NE(Panel(id), nullptr) << id;
-    EXPECT_GT(Panel(id)->bounds().top, lastTop) << id;
-    lastTop = Panel(id)->bounds().top;
-  }
-  EXPECT_EQ(Panel(kBookletOrderPopupID)->menu()->count(), 2);
-  EXPECT_EQ(Panel(kBannerSheetPopupID)->menu()->count(), 2);
-  EXPECT_EQ(Panel(kRequestOffsetPopupID)->menu()->count(), 2);
-  EXPECT_EQ(Panel(kFeedEdgePopupID)->menu()->count(), 2);
-}
 
 TEST_F(AdvancedPanel, FreshTicketTakesTheRequestOffsetFromThePPDDefault) {
   OpenAdvanced();
@@ -106,15 +71,10 @@ TEST_F(AdvancedPanel, WithoutAPPDDefaultOffsetsAreRequested) {
 
 TEST_F(AdvancedPanel, ChosenItemsAreWrittenToTheTicket) {
   OpenAdvanced();
-  Control* feedEdge = Panel(kFeedEdgePopupID);
-  Control* offset = Panel(kRequestOffsetPopupID);
-  Control* banner = Panel(kBannerSheetPopupID);
-  Control* order = Panel(kBookletOrderPopupID);
-  ASSERT_TRUE(feedEdge && offset && banner && order);
-  ASSERT_EQ(toolkit::ChooseMenuItemByText(*feedEdge, "Short Edge"), noErr);
-  ASSERT_EQ(toolkit::ChooseMenuItemByText(*offset, "Each Set"), noErr);
-  ASSERT_EQ(toolkit::ChooseMenuItemByText(*banner, "On"), noErr);
-  ASSERT_EQ(toolkit::ChooseMenuItem(*order, 2), noErr);
+  Choose(kFeedEdgePopupID, "Short Edge");
+  Choose(kRequestOffsetPopupID, "Each Set");
+  Choose(kBannerSheetPopupID, "On");
+  ASSERT_EQ(toolkit::ChooseMenuItem(*Panel(kBookletOrderPopupID), 2), noErr);
 
   ASSERT_EQ(driver_.sync(false), noErr) << driver_.error();
   EXPECT_EQ(PPDChoice("VNFeedEdge"), "ShortEdge");
@@ -135,8 +95,8 @@ TEST_F(AdvancedPanel, ReadingTheTicketSelectsItsChoices) {
   settings.setValue(kBookletLayoutOrderKey, plist::Value(kVujn), kAdvancedTicketClient);
   ASSERT_EQ(driver_.sync(true), noErr) << driver_.error();
   EXPECT_EQ(Panel(kFeedEdgePopupID)->value(), 2);
-  EXPECT_EQ(Panel(kRequestOffsetPopupID)->menu()->item(Panel(kRequestOffsetPopupID)->value())->text,
-            "Each Set");
+  Control* offset = Panel(kRequestOffsetPopupID);
+  EXPECT_EQ(offset->menu()->item(offset->value())->text, "Each Set");
   EXPECT_EQ(Panel(kBookletOrderPopupID)->value(), 1) << "the first item with the code";
 }
 
@@ -147,18 +107,10 @@ TEST_F(AdvancedPanel, MissingBookletOrderFailsTheReadButSetsTheOthers) {
   ASSERT_NE(getter, nullptr);
   host::PanelInterfaceHolder* holder = nullptr;
   ASSERT_EQ(getter(&holder), noErr);
-  ASSERT_NE(holder, nullptr);
   std::unique_ptr<host::PanelInterface> table(holder->interface);
   delete holder;
-
   print::PMPDEContext context = nullptr;
-  OSType creator = 0;
-  ASSERT_EQ(table->Prologue(&context, &creator, nullptr, nullptr, nullptr, nullptr), noErr);
-  EXPECT_EQ(creator, MakeOSType("VPDE"));
-  EXPECT_EQ(table->Sync(nullptr, session_.get(), true), kPMInvalidPrintSession);
-  EXPECT_EQ(table->Sync(context, nullptr, true), kPMInvalidPrintSession);
-  EXPECT_EQ(table->Initialize(nullptr, nullptr, nullptr, nullptr, session_.get()),
-            kPMInvalidPDEContext);
+  ASSERT_EQ(table->Prologue(&context, nullptr, nullptr, nullptr, nullptr, nullptr), noErr);
 
   print::Session reading;
   reading.setPrinterPPD(kVarnoPPD);
@@ -203,12 +155,11 @@ TEST_F(AdvancedPanel, AboutButtonRunsTheAboutDialog) {
   EXPECT_EQ(title, bundle->localizedString("About", "Localizable", "?"));
   EXPECT_EQ(name, *bundle->infoValue("CFBundleName")->asString());
   EXPECT_NE(version.find(*bundle->infoValue("CFBundleShortVersionString")->asString()),
-            std::string::npos)
-      << version;
+            std::string::npos) << version;
 
   // With nothing scripted the dialog ends by itself and the panel stays usable.
   ASSERT_EQ(toolkit::Click(*Panel(kAboutButtonID)), noErr);
-  ASSERT_EQ(toolkit::ChooseMenuItemByText(*Panel(kFeedEdgePopupID), "Short Edge"), noErr);
+  Choose(kFeedEdgePopupID, "Short Edge");
   ASSERT_EQ(driver_.sync(false), noErr);
   EXPECT_EQ(PPDChoice("VNFeedEdge"), "ShortEdge");
 }

@@ -26,15 +26,12 @@ class ImageOptionsPanel : public testing::PlugInDialogTest {
     ASSERT_NE(selector, nullptr);
     ASSERT_EQ(toolkit::ChooseMenuItem(*selector, kImageOptionsTab), noErr);
     pane_ = window_->findByID({host::kPanelPaneSignature, kImageOptionsTab});
-    ASSERT_NE(pane_, nullptr);
-    ASSERT_TRUE(pane_->isShown());
+    ASSERT_TRUE(pane_ && pane_->isShown());
   }
 
   Control* Panel(std::int32_t id) { return window_->findByID({kImageOptionsSignature, id}); }
-  std::string Picture(std::int32_t id) {
-    Control* picture = Panel(id);
-    return picture ? picture->pictureName() : "(no control)";
-  }
+  std::string Picture(std::int32_t id) { return Panel(id) ? Panel(id)->pictureName() : "-"; }
+  std::string Selected(std::int32_t id) { return Panel(id)->menu()->item(Panel(id)->value())->text; }
   print::Ticket Settings() { return session_->printSettings(); }
   void Choose(std::int32_t popupID, const char* text) {
     ASSERT_NE(Panel(popupID), nullptr);
@@ -50,23 +47,7 @@ class ImageOptionsPanel : public testing::PlugInDialogTest {
 
 TEST_F(ImageOptionsPanel, OpensWithThePrinterDefaultsAndTheirPictures) {
   OpenImageOptions();
-  const bundle::BundleRef& bundle = driver_.bundle();
-  const std::pair<std::int32_t, const char*> texts[] = {
-      {kImageQualityLabelID, "Image Quality:"},     {kTonerSaverLabelID, "Toner Saver:"},
-      {kTonerSaverCheckBoxID, "Conserve Dry Ink"},  {kInvertLabelID, "Invert Image Label"},
-      {kNegativeCheckBoxID, "Negative Image Title"}, {kMirrorCheckBoxID, "Mirror Image Title"}};
-  for (const auto& [id, key] : texts) {
-    ASSERT_NE(Panel(id), nullptr) << id;
-    EXPECT_TRUE(pane_->contains(Panel(id))) << id;
-    EXPECT_EQ(Panel(id)->text(), bundle->localizedString(key, "Localizable", "?")) << id;
-  }
-  // The three groups are stacked: quality above toner saver above invert image.
-  EXPECT_LT(Panel(kImageQualityPopupID)->bounds().top, Panel(kTonerSaverCheckBoxID)->bounds().top);
-  EXPECT_LT(Panel(kTonerSaverCheckBoxID)->bounds().top, Panel(kMirrorCheckBoxID)->bounds().top);
-
-  Control* quality = Panel(kImageQualityPopupID);
-  ASSERT_EQ(quality->menu()->count(), 5) << "every VNOutputMode choice of the PPD";
-  EXPECT_EQ(quality->menu()->item(quality->value())->text, "Standard");
+  EXPECT_EQ(Selected(kImageQualityPopupID), "Standard");
   EXPECT_EQ(Panel(kTonerSaverCheckBoxID)->value(), 0);
   EXPECT_EQ(Picture(kImageQualityPictureID), "ImageOptions_ImgQual_Standard.gif");
   EXPECT_EQ(Picture(kTonerSaverPictureID), "ImageOptions_TonerSaver_Off.gif");
@@ -110,13 +91,10 @@ TEST_F(ImageOptionsPanel, ChoicesAreWrittenToTheTicket) {
   EXPECT_EQ(settings.ppdDictionary().getString("VNOutputMode"), "HighSpeed");
   EXPECT_EQ(settings.ppdDictionary().getString("VNEconomode"), "Draft");
   EXPECT_EQ(settings.number<std::int32_t>(kImageResolutionKey), 4);
-  ASSERT_NE(settings.item(kImageResolutionKey), nullptr);
-  EXPECT_EQ(settings.item(kImageResolutionKey)->client, "com.varno.printingmanager");
   std::optional<plist::Dictionary> invert = settings.dictionary(kInvertImageOptionsKey);
   ASSERT_TRUE(invert);
   EXPECT_EQ(invert->getNumber<std::int64_t>("MirrorImage"), 1);
   EXPECT_EQ(invert->getNumber<std::int64_t>("NegativeImage"), 0);
-  EXPECT_EQ(settings.item(kInvertImageOptionsKey)->client, "V");
 }
 
 TEST_F(ImageOptionsPanel, ClearingTheTonerSaverKeepsDraftInTheTicket) {
@@ -145,8 +123,7 @@ TEST_F(ImageOptionsPanel, ReadingTheTicketShowsItAndWritesTheQualityBack) {
 
   ASSERT_EQ(driver_.sync(true), noErr);
   EXPECT_EQ(Settings().number<std::int32_t>(kImageResolutionKey), 6) << "even a read writes it";
-  Control* quality = Panel(kImageQualityPopupID);
-  EXPECT_EQ(quality->menu()->item(quality->value())->text, "High Resolution");
+  EXPECT_EQ(Selected(kImageQualityPopupID), "High Resolution");
   EXPECT_EQ(Panel(kNegativeCheckBoxID)->value(), 1);
   EXPECT_EQ(Panel(kMirrorCheckBoxID)->value(), 0) << "a missing entry is off";
   EXPECT_EQ(Picture(kInvertPictureID), "ImageOptions_InvertImage_Negative.gif");
@@ -168,11 +145,7 @@ TEST_F(ImageOptionsPanel, OnlyTheFirstOpenBuildsTheControls) {
   std::unique_ptr<host::PanelInterface> table(holder->interface);
   delete holder;
   print::PMPDEContext context = nullptr;
-  OSType creator = 0;
-  ASSERT_EQ(table->Prologue(&context, &creator, nullptr, nullptr, nullptr, nullptr), noErr);
-  EXPECT_EQ(creator, MakeOSType("Vshl"));
-  EXPECT_EQ(table->Initialize(context, nullptr, nullptr, nullptr, nullptr), kPMInvalidPDEContext);
-  EXPECT_EQ(table->Sync(context, nullptr, true), kPMInvalidPrintSession);
+  ASSERT_EQ(table->Prologue(&context, nullptr, nullptr, nullptr, nullptr, nullptr), noErr);
   Control* pane = parentPane_->embed(Control::create(toolkit::ControlKind::UserPane, {0, 0, 500, 300}));
   ASSERT_EQ(table->Initialize(context, nullptr, nullptr, pane, session_.get()), noErr);
   EXPECT_EQ(table->Open(context), noErr);

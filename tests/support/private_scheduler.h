@@ -12,8 +12,6 @@
 
 namespace varno::testing {
 
-inline constexpr const char* kCupsd = "/usr/sbin/cupsd";
-
 struct ProgramRun {
   int status = -1;  // exit status; -1 when the program did not exit normally
   std::string out, err;
@@ -37,14 +35,14 @@ class PrivateScheduler {
   // The options argument (argv[5]) of `job`, once its filter has recorded that and the
   // PPD (nullopt after 30 s), and the PPD; the error log's last errors and job lines.
   std::optional<std::string> recordedOptions(int job) const;
-  std::filesystem::path recordedPPD(int job) const;
+  std::filesystem::path recordedPPD(int job) const { return root_ / "out" / ("job-" + std::to_string(job) + ".ppd"); }
   std::string errorLogDigest() const;
 
   // Runs `argv` (argv[0] looked up in PATH) to its end with CUPS_SERVER naming this
   // scheduler and CUPS_SERVERROOT and HOME inside its folder: libcups 2.4 keeps even root's
   // saved defaults in $HOME/.cups/lpoptions, so no run reads or changes the machine's or
-  // the user's. Output goes to /dev/null unless `capture`.
-  ProgramRun run(const std::vector<std::string>& argv, bool capture = true) const;
+  // the user's.
+  ProgramRun run(const std::vector<std::string>& argv) const;
   static int FreePort();  // a TCP port nothing listens on at the moment of the call
 
  private:

@@ -15,13 +15,9 @@ const std::filesystem::path kBuiltBundle = VARNO_BUILD_DIR "/VarnoFeatures.plugi
 // Names of the features in an array of feature dictionaries, found back in the profile.
 std::vector<std::string> Names(const plist::Array& features, std::vector<std::string> all) {
   std::vector<std::string> names;
-  for (const plist::Value& f : features) {
-    for (const std::string& name : all) {
-      if (VNPGetFeature(name) && f.asDictionary()->sameAs(*VNPGetFeature(name))) {
-        names.push_back(name);
-      }
-    }
-  }
+  for (const plist::Value& f : features)
+    for (const std::string& name : all)
+      if (VNPGetFeature(name) && f.asDictionary()->sameAs(*VNPGetFeature(name))) names.push_back(name);
   return names;
 }
 

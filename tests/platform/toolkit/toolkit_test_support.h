@@ -24,10 +24,10 @@ class ToolkitTest : public ::testing::Test {
  protected:
   ToolkitTest() : window(Window::create({0, 0, 400, 600}, "Test")) {
     window->setVisible(true);
-    Application::shared().script().clear();
-    HeadlessAlerts().clear();
+    Clear();
   }
-  ~ToolkitTest() override {
+  ~ToolkitTest() override { Clear(); }
+  static void Clear() {
     Application::shared().script().clear();
     HeadlessAlerts().clear();
   }
