@@ -4,6 +4,8 @@
   plistlib_peer.py roundtrip IN OUT   read IN with plistlib, write it to OUT as XML
   plistlib_peer.py make OUT           write a sample with dates, data, reals and nesting
   plistlib_peer.py compare A B        exit 0 when plistlib reads A and B as equal values
+  plistlib_peer.py makebinary OUT     write the binary sample (dates in 1900 and 2100, ...)
+  plistlib_peer.py tobinary IN OUT    read IN with plistlib, write it to OUT in binary form
 """
 import datetime
 import plistlib
@@ -37,12 +39,34 @@ def sample():
     }
 
 
+def binary_sample():
+    return {
+        "Before": datetime.datetime(1900, 1, 1, 0, 0, 0),
+        "After": datetime.datetime(2100, 1, 1, 12, 30, 5),
+        "Last": datetime.datetime(9999, 12, 31, 23, 59, 59),
+        "Text": "Grüße 日本語 Ελληνικά עברית 😀",
+        "Max": 2**63 - 1,
+        "Min": -2**63,
+        "Minus": -1,
+        "Wide": 2**32,
+        "Real": -1.25e-7,
+        "Empty": {"Array": [], "Dict": {}, "String": "", "Data": b""},
+        "Nested": [[1, [2, {"k": b"\x00\xff"}]], True, False],
+    }
+
+
 def main():
     mode = sys.argv[1]
     if mode == "roundtrip":
         dump(load(sys.argv[2]), sys.argv[3])
     elif mode == "make":
         dump(sample(), sys.argv[2])
+    elif mode == "makebinary":
+        with open(sys.argv[2], "wb") as f:
+            plistlib.dump(binary_sample(), f, fmt=plistlib.FMT_BINARY, sort_keys=False)
+    elif mode == "tobinary":
+        with open(sys.argv[3], "wb") as f:
+            plistlib.dump(load(sys.argv[2]), f, fmt=plistlib.FMT_BINARY, sort_keys=False)
     elif mode == "compare":
         a, b = load(sys.argv[2]), load(sys.argv[3])
         if a != b:

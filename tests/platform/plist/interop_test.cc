@@ -88,6 +88,38 @@ TEST(Interoperability, PlistlibFilesAreReadAndWrittenBackEqual) {
   EXPECT_TRUE(d.getDate("Created").has_value());
 }
 
+// Writes `bytes` to `file`; false when it could not.
+bool WriteBytes(const std::filesystem::path& file, const std::string& bytes) {
+  return ReplaceFileContents(file, bytes);
+}
+
+TEST(Interoperability, BinaryFilesTravelBothWaysWithPlistlib) {
+  TempDir dir;
+  // Theirs to ours: plistlib's binary file read, written back in binary, equal to plistlib.
+  ASSERT_EQ(Peer("makebinary", dir / "theirs.bplist"), 0);
+  std::string error;
+  std::optional<Value> value = ReadFile(dir / "theirs.bplist", &error);
+  ASSERT_TRUE(value) << error;
+  const Dictionary& d = *value->asDictionary();
+  EXPECT_EQ(d.getDate("After")->seconds, 3124182605.0) << "2100-01-01T12:30:05Z";
+  EXPECT_EQ(d.getDate("Before")->seconds, -3187296000.0) << "1900-01-01T00:00:00Z";
+  EXPECT_EQ(d.getNumber<std::int64_t>("Min"), INT64_MIN);
+  std::optional<std::string> binary = ToBinary(*value, &error);
+  ASSERT_TRUE(binary) << error;
+  ASSERT_TRUE(WriteBytes(dir / "ours.bplist", *binary));
+  EXPECT_EQ(Peer("compare", dir / "theirs.bplist", dir / "ours.bplist"), 0);
+
+  // Ours to theirs: our binary file of our sample, rewritten by plistlib in binary, reads
+  // back equal.
+  Dictionary sample = *value->asDictionary();
+  sample.set("Sample", Sample());
+  ASSERT_TRUE(WriteBytes(dir / "mine.bplist", ToBinary(sample).value_or("")));
+  ASSERT_EQ(Peer("tobinary", dir / "mine.bplist", dir / "back.bplist"), 0);
+  std::optional<Value> back = ReadFile(dir / "back.bplist", &error);
+  ASSERT_TRUE(back) << error;
+  EXPECT_EQ(*back, Value(sample));
+}
+
 TEST(Interoperability, SavedSessionSurvivesPlistlibAndPlistutil) {
   TempDir dir;
   print::Session session;
