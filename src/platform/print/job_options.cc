@@ -307,6 +307,17 @@ std::optional<std::vector<JobOption>> EncodeTicketEntries(const plist::Dictionar
                " KiB a job carries; remove special pages, inserts or notes and try again";
     return std::nullopt;
   }
+  // A value the property-list writer cannot keep exactly (text that is not UTF-8, say)
+  // is refused here rather than reaching the driver shortened or unreadable.
+  std::optional<plist::Value> back = plist::Parse(*binary, &why);
+  if (!back || !(*back == plist::Value(entries))) {
+    if (error)
+      *error = "the ticket entries cannot be encoded exactly (" +
+               (back ? std::string("a value changed on the way, such as text that is not UTF-8")
+                     : why) +
+               "); correct or remove the damaged setting and try again";
+    return std::nullopt;
+  }
   const std::string text = Base64(*binary);
   const std::size_t count = (text.size() + kPartText - 1) / kPartText;
   const std::string total = "/" + std::to_string(count) + ":";
