@@ -1,6 +1,7 @@
 #include "platform/print/cups_queue.h"
 
 #include <cups/cups.h>
+#include <strings.h>
 
 #include <cerrno>
 #include <cstring>
@@ -174,11 +175,15 @@ bool SaveQueueDefaults(std::string_view queue, std::string_view server,
     if (error) *error = "cannot keep defaults for queue \"" + name + "\"";
     return false;
   }
+  // Every saved ticket-entry option goes, in either form, so a smaller ticket leaves no
+  // stale part behind; so does every option named again (libcups matches names in any case).
   for (int i = dest->num_options - 1; i >= 0; --i) {
-    const std::string option = dest->options[i].name;
-    bool replaced = option.find('.') != std::string::npos;
-    for (const JobOption& mine : options) replaced = replaced || mine.name == option;
-    if (replaced) dest->num_options = cupsRemoveOption(option.c_str(), dest->num_options, &dest->options);
+    const JobOption saved{dest->options[i].name, dest->options[i].value};
+    bool replaced = IsTicketEntryOption(saved);
+    for (const JobOption& mine : options)
+      replaced = replaced || strcasecmp(mine.name.c_str(), saved.name.c_str()) == 0;
+    if (replaced)
+      dest->num_options = cupsRemoveOption(saved.name.c_str(), dest->num_options, &dest->options);
   }
   for (const JobOption& option : options)
     dest->num_options = cupsAddOption(option.name.c_str(), option.value.c_str(), dest->num_options,

@@ -22,8 +22,8 @@ int SubmitJob(std::string_view queue, std::string_view server,
               std::string_view title, std::string* error);
 
 // Stores `options` as the user's default options of the queue. Ticket entries saved
-// before and PPD choices named again are replaced, so the defaults are exactly this
-// ticket's; other saved options stay.
+// before (current and older form alike) and options named again are replaced, so the
+// defaults are exactly this ticket's; other saved options stay.
 bool SaveQueueDefaults(std::string_view queue, std::string_view server,
                        const std::vector<JobOption>& options, std::string* error);
 

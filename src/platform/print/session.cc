@@ -15,6 +15,7 @@
 
 #include <unistd.h>
 
+#include <unordered_map>
 #include <utility>
 
 #include "platform/plist/file.h"
@@ -30,19 +31,25 @@ Session* gCurrentSession = nullptr;
 Session* CurrentSession() { return gCurrentSession; }
 void SetCurrentSession(Session* session) { gCurrentSession = session; }
 
+// Data items in the order first stored, with an index so that a session file with many
+// items loads in linear time.
 struct Session::Items {
   std::vector<std::pair<std::string, Ticket>> entries;
+  std::unordered_map<std::string, std::size_t> index;  // name -> position in entries
 
+  // The ticket stored under name, or null.
   Ticket* find(std::string_view name) {
-    for (auto& entry : entries)
-      if (entry.first == name) return &entry.second;
-    return nullptr;
+    auto found = index.find(std::string(name));
+    return found == index.end() ? nullptr : &entries[found->second].second;
   }
+  // Replaces the ticket under name in place, or appends it.
   void set(std::string_view name, const Ticket& ticket) {
-    if (Ticket* present = find(name))
+    if (Ticket* present = find(name)) {
       *present = ticket;
-    else
-      entries.emplace_back(std::string(name), ticket);
+      return;
+    }
+    index.emplace(std::string(name), entries.size());
+    entries.emplace_back(std::string(name), ticket);
   }
 };
 

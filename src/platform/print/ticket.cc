@@ -265,47 +265,63 @@ std::string Quoted(std::string_view s) { return "\"" + std::string(s) + "\""; }
 // "integer" for diagnostics: what a value turned out to be.
 std::string KindOf(const plist::Value& value) { return plist::KindName(value.kind()); }
 
-// Builds a ticket from its form; `where` prefixes messages so that errors in nested
-// tickets name the whole path ("item "A": ticket: item "B": ...").
-std::optional<Ticket> Parse(const plist::Dictionary& form, int depth, const std::string& where,
+// The items leading to a nested ticket, innermost last, as a chain on the stack. It is
+// turned into text only when a message needs it, so a long key is not copied once per
+// item of the ticket inside it.
+struct Where {
+  const Where* outer = nullptr;
+  std::string_view key;
+};
+
+// "item "A": ticket: item "B": ticket: " for the chain ending at `where` (null: "").
+std::string Prefix(const Where* where) {
+  if (!where) return "";
+  return Prefix(where->outer) + "item " + Quoted(where->key) + ": ticket: ";
+}
+
+// Builds a ticket from its form; `outer` names the items leading to it, so that errors in
+// nested tickets name the whole path ("item "A": ticket: item "B": ...").
+std::optional<Ticket> Parse(const plist::Dictionary& form, int depth, const Where* outer,
                             std::string& error) {
   if (depth > Ticket::kMaxNesting) {
-    error = where + "tickets are nested more than " + std::to_string(Ticket::kMaxNesting) +
+    error = Prefix(outer) + "tickets are nested more than " + std::to_string(Ticket::kMaxNesting) +
             " levels deep";
     return std::nullopt;
   }
+  auto where = [outer] { return Prefix(outer); };
   for (const auto& [key, value] : form) {
     if (key != kItemsKey && key != kPPDKey) {
-      error = where + "unknown key " + Quoted(key) + " (a ticket has only \"Items\" and \"PPD\")";
+      error = where() + "unknown key " + Quoted(key) + " (a ticket has only \"Items\" and \"PPD\")";
       return std::nullopt;
     }
   }
   const plist::Value* items = form.find(kItemsKey);
   if (!items) {
-    error = where + "no \"Items\" dictionary";
+    error = where() + "no \"Items\" dictionary";
     return std::nullopt;
   }
   if (!items->asDictionary()) {
-    error = where + "\"Items\" must be a dictionary, not " + KindOf(*items);
+    error = where() + "\"Items\" must be a dictionary, not " + KindOf(*items);
     return std::nullopt;
   }
 
   Ticket ticket;
   for (const auto& [key, entry] : *items->asDictionary()) {
-    const std::string at = where + "item " + Quoted(key) + ": ";
+    const Where here{outer, key};
+    auto at = [&] { return where() + "item " + Quoted(key) + ": "; };
     if (key.empty()) {
-      error = where + "an item has an empty key";
+      error = where() + "an item has an empty key";
       return std::nullopt;
     }
     const plist::Dictionary* fields = entry.asDictionary();
     if (!fields) {
-      error = at + "must be a dictionary, not " + KindOf(entry);
+      error = at() + "must be a dictionary, not " + KindOf(entry);
       return std::nullopt;
     }
     for (const auto& [field, unused] : *fields) {
       if (field != kValueKey && field != kTicketKey && field != kClientKey &&
           field != kLockedKey) {
-        error = at + "unknown key " + Quoted(field);
+        error = at() + "unknown key " + Quoted(field);
         return std::nullopt;
       }
     }
@@ -314,24 +330,24 @@ std::optional<Ticket> Parse(const plist::Dictionary& form, int depth, const std:
     const plist::Value* client = fields->find(kClientKey);
     const plist::Value* locked = fields->find(kLockedKey);
     if (value && nested) {
-      error = at + "has both \"Value\" and \"Ticket\"";
+      error = at() + "has both \"Value\" and \"Ticket\"";
       return std::nullopt;
     }
     if (!value && !nested) {
-      error = at + "has neither \"Value\" nor \"Ticket\"";
+      error = at() + "has neither \"Value\" nor \"Ticket\"";
       return std::nullopt;
     }
     if (!client) {
-      error = at + "has no \"Client\"";
+      error = at() + "has no \"Client\"";
       return std::nullopt;
     }
     if (!client->asString() || client->asString()->empty()) {
-      error = at + "\"Client\" must be a non-empty string, not " +
+      error = at() + "\"Client\" must be a non-empty string, not " +
               (client->asString() ? std::string("an empty one") : KindOf(*client));
       return std::nullopt;
     }
     if (locked && !locked->asBoolean()) {
-      error = at + "\"Locked\" must be a boolean, not " + KindOf(*locked);
+      error = at() + "\"Locked\" must be a boolean, not " + KindOf(*locked);
       return std::nullopt;
     }
     const bool isLocked = locked && *locked->asBoolean();
@@ -339,31 +355,30 @@ std::optional<Ticket> Parse(const plist::Dictionary& form, int depth, const std:
     OSStatus status;
     if (nested) {
       if (!nested->asDictionary()) {
-        error = at + "\"Ticket\" must be a dictionary, not " + KindOf(*nested);
+        error = at() + "\"Ticket\" must be a dictionary, not " + KindOf(*nested);
         return std::nullopt;
       }
-      std::optional<Ticket> inner = Parse(*nested->asDictionary(), depth + 1, at + "ticket: ",
-                                          error);
+      std::optional<Ticket> inner = Parse(*nested->asDictionary(), depth + 1, &here, error);
       if (!inner) return std::nullopt;
       status = ticket.setTicket(key, *inner, *client->asString(), isLocked);
     } else {
       status = ticket.setValue(key, value->deepCopy(), *client->asString(), isLocked);
     }
     if (status != noErr) {  // unreachable for well-formed dictionaries; kept as a guard
-      error = at + "could not be stored (status " + std::to_string(status) + ")";
+      error = at() + "could not be stored (status " + std::to_string(status) + ")";
       return std::nullopt;
     }
   }
 
   if (const plist::Value* ppd = form.find(kPPDKey)) {
     if (!ppd->asDictionary()) {
-      error = where + "\"PPD\" must be a dictionary, not " + KindOf(*ppd);
+      error = where() + "\"PPD\" must be a dictionary, not " + KindOf(*ppd);
       return std::nullopt;
     }
     plist::Dictionary choices = ticket.ppdDictionary();
     for (const auto& [keyword, choice] : *ppd->asDictionary()) {
       if (!choice.asString()) {
-        error = where + "PPD choice for " + Quoted(keyword) + " must be a string, not " +
+        error = where() + "PPD choice for " + Quoted(keyword) + " must be a string, not " +
                 KindOf(choice);
         return std::nullopt;
       }
@@ -396,7 +411,7 @@ plist::Dictionary Ticket::toPropertyList() const {
 std::optional<Ticket> Ticket::fromPropertyList(const plist::Dictionary& form,
                                                std::string* error) {
   std::string message;
-  std::optional<Ticket> ticket = Parse(form, 0, "", message);
+  std::optional<Ticket> ticket = Parse(form, 0, nullptr, message);
   if (!ticket && error) *error = "not a valid ticket: " + message;
   return ticket;
 }
@@ -405,7 +420,7 @@ bool Ticket::save(const std::filesystem::path& path, std::string* error) const {
   plist::Dictionary form = toPropertyList();
   std::string message;
   // Never write a file that load() would refuse.
-  if (!Parse(form, 0, "", message)) {
+  if (!Parse(form, 0, nullptr, message)) {
     if (error) *error = "cannot save ticket to " + path.string() + ": " + message;
     return false;
   }
@@ -416,7 +431,7 @@ std::optional<Ticket> Ticket::load(const std::filesystem::path& path, std::strin
   std::optional<plist::Dictionary> form = plist::ReadDictionaryFile(path, error);
   if (!form) return std::nullopt;
   std::string message;
-  std::optional<Ticket> ticket = Parse(*form, 0, "", message);
+  std::optional<Ticket> ticket = Parse(*form, 0, nullptr, message);
   if (!ticket && error) *error = path.string() + ": not a valid ticket: " + message;
   return ticket;
 }

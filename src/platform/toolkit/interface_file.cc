@@ -11,16 +11,20 @@ namespace {
 
 constexpr std::string_view kFileSuffix = ".interface.plist";
 constexpr std::string_view kStringTable = "Localizable";
+// Coordinates a screen holds; beyond them a layout is damaged, and sums could overflow.
+constexpr std::int32_t kMaxCoordinate = 32767;
 
 // Builds one window from its description. Every reader returns false and leaves a
-// message naming the place ("window \"Main\", control 3 ...") at the first fault.
+// message naming the place ("window \"Main\", control 3 ...") at the first fault. The
+// place is kept as pieces and joined only for a message, so a long window name is never
+// copied once per control.
 class Builder {
  public:
   Builder(const bundle::BundleRef& bundle, std::string* error) : bundle_(bundle), error_(error) {}
 
   bool buildWindow(std::string_view name, const plist::Dictionary& description,
                    std::unique_ptr<Window>* out) {
-    where_ = "window \"" + std::string(name) + "\"";
+    where_ = {"window \"" + std::string(name) + "\""};
     if (!onlyKeys(description, {"Title", "TitleKey", "Bounds", "Controls"})) return false;
     std::string title;
     Rect bounds;
@@ -36,7 +40,10 @@ class Builder {
 
  private:
   bool fail(const std::string& message) {
-    if (error_) *error_ = where_ + ": " + message;
+    if (!error_) return false;
+    error_->clear();
+    for (const std::string& piece : where_) *error_ += piece;
+    *error_ += ": " + message;
     return false;
   }
 
@@ -96,7 +103,7 @@ class Builder {
     if (localized) *out = bundle_ ? bundle_->localizedString(key, kStringTable, key) : key;
     return true;
   }
-  // [left, top, width, height]
+  // [left, top, width, height], every edge within kMaxCoordinate of the origin.
   bool readBounds(const plist::Dictionary& d, Rect* out) {
     const plist::Value* v = d.find("Bounds");
     if (!v) return true;
@@ -105,10 +112,17 @@ class Builder {
     bool ok = a && a->size() == 4;
     for (std::size_t i = 0; ok && i < 4; ++i) {
       std::optional<std::int32_t> x = (*a)[i].toNumber<std::int32_t>();
-      ok = x.has_value() && (i < 2 || *x >= 0);
+      ok = x.has_value() && *x <= kMaxCoordinate && *x >= (i < 2 ? -kMaxCoordinate : 0);
       if (ok) n[i] = *x;
     }
-    if (!ok) return fail("\"Bounds\" must be [left, top, width, height] in whole numbers");
+    // Each term is within kMaxCoordinate, so these sums cannot overflow.
+    ok = ok && n[0] + n[2] <= kMaxCoordinate && n[1] + n[3] <= kMaxCoordinate;
+    if (!ok) {
+      return fail("\"Bounds\" must be [left, top, width, height] in whole numbers from " +
+                  std::to_string(-kMaxCoordinate) + " to " + std::to_string(kMaxCoordinate) +
+                  ", width and height not negative, right and bottom edges at most " +
+                  std::to_string(kMaxCoordinate));
+    }
     *out = Rect{n[1], n[0], n[1] + n[3], n[0] + n[2]};
     return true;
   }
@@ -120,14 +134,13 @@ class Builder {
     if (!list) return fail("\"Controls\" must be an array");
     if (!Traits(parent.kind()).embeds) return fail("a " + std::string(Traits(parent.kind()).name) +
                                                   " holds no controls");
-    std::string outer = where_;
     for (std::size_t i = 0; i < list->size(); ++i) {
-      where_ = outer + ", control " + std::to_string(i + 1);
+      where_.push_back(", control " + std::to_string(i + 1));
       const plist::Dictionary* description = (*list)[i].asDictionary();
       if (!description) return fail("must be a dictionary");
       if (!buildControl(*description, parent, window)) return false;
+      where_.pop_back();
     }
-    where_ = outer;
     return true;
   }
 
@@ -145,7 +158,7 @@ class Builder {
       return fail(kindName.empty() ? "\"Kind\" is missing" : "no control kind \"" + kindName + "\"");
     }
     const KindTraits& traits = Traits(*kind);
-    where_ += " (" + std::string(traits.name) + ")";
+    where_.back() += " (" + std::string(traits.name) + ")";
 
     ControlID id;
     if (d.contains("Signature") != d.contains("ID")) {
@@ -221,12 +234,12 @@ class Builder {
   bool fillMenu(const plist::Value& items, Menu& menu) {
     const plist::Array* list = items.asArray();
     if (!list) return fail("\"Items\" must be an array");
-    std::string outer = where_;
     for (std::size_t i = 0; i < list->size(); ++i) {
-      where_ = outer + ", item " + std::to_string(i + 1);
+      where_.push_back(", item " + std::to_string(i + 1));
       const plist::Value& entry = (*list)[i];
       if (const std::string* text = entry.asString()) {
         menu.appendItem(*text);
+        where_.pop_back();
         continue;
       }
       const plist::Dictionary* item = entry.asDictionary();
@@ -253,8 +266,8 @@ class Builder {
         if (!fillMenu(*sub, *submenu)) return false;
         menu.setItemSubmenu(index, std::move(submenu));
       }
+      where_.pop_back();
     }
-    where_ = outer;
     return true;
   }
 
@@ -265,9 +278,8 @@ class Builder {
     if (!list) return fail("only list views have columns");
     const plist::Array* columns = v->asArray();
     if (!columns) return fail("\"Columns\" must be an array");
-    std::string outer = where_;
     for (std::size_t i = 0; i < columns->size(); ++i) {
-      where_ = outer + ", column " + std::to_string(i + 1);
+      where_.push_back(", column " + std::to_string(i + 1));
       const plist::Dictionary* c = (*columns)[i].asDictionary();
       if (!c) return fail("must be a dictionary");
       ListColumn column;
@@ -279,14 +291,14 @@ class Builder {
       }
       if (column.property == 0) return fail("\"Property\" is missing");
       list->addColumn(std::move(column));
+      where_.pop_back();
     }
-    where_ = outer;
     return true;
   }
 
   const bundle::BundleRef& bundle_;
   std::string* error_;
-  std::string where_;
+  std::vector<std::string> where_;
   std::set<std::pair<OSType, std::int32_t>> ids_;
 };
 

@@ -130,5 +130,27 @@ TEST(SessionPrinter, PPDPathIsGivenOrRefusedWithTheReason) {
   }
 }
 
+// Many data items load in linear time (a quadratic load of this file takes seconds).
+TEST(SessionFile, ManyDataItemsLoadInOrder) {
+  varno::testing::TempDir dir;
+  constexpr int kItems = 40000;
+  std::string xml = "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>DataItems</key><dict>";
+  for (int i = 0; i < kItems; ++i)
+    xml += "<key>item" + std::to_string(i) + "</key><dict><key>Items</key><dict/></dict>";
+  xml += "<key>item7</key><dict><key>Items</key><dict><key>k</key><dict><key>Value</key>"
+         "<integer>7</integer><key>Client</key><string>c</string></dict></dict></dict>";
+  xml += "</dict></dict></plist>";
+  std::string error;
+  std::unique_ptr<Session> session = Session::load(dir.write("s.plist", xml), &error);
+  ASSERT_TRUE(session) << error;
+  const std::vector<std::string> names = session->dataItemNames();
+  ASSERT_EQ(names.size(), kItems + 3u);
+  EXPECT_EQ(names[3], "item0");
+  EXPECT_EQ(names.back(), "item" + std::to_string(kItems - 1));
+  Ticket ticket;
+  ASSERT_EQ(session->getDataItem("item7", ticket), noErr);
+  EXPECT_EQ(ticket.number<int>("k"), 7) << "a repeated name replaces the item in place";
+}
+
 }  // namespace
 }  // namespace varno::print

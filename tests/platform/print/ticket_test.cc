@@ -260,5 +260,34 @@ TEST(TicketFile, SaveRefusesWhatLoadWouldRefuseAndKeepsTheOldFile) {
   EXPECT_EQ(*kept, good);
 }
 
+// A nested ticket of many items under a very long key loads in linear time, and a fault in
+// its last item still names the whole path.
+TEST(TicketFile, ManyNestedItemsUnderALongKeyLoadAndNameTheirFaults) {
+  varno::testing::TempDir dir;
+  const std::string key = "k." + std::string(200 * 1024, 'x');
+  constexpr int kItems = 20000;
+  auto file = [&](const std::string& last) {
+    std::string xml = "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Items</key><dict><key>" +
+                      key + "</key><dict><key>Client</key><string>c</string><key>Ticket</key>"
+                      "<dict><key>Items</key><dict>";
+    for (int i = 0; i < kItems; ++i)
+      xml += "<key>i" + std::to_string(i) +
+             "</key><dict><key>Value</key><true/><key>Client</key><string>c</string></dict>";
+    return dir.write("t.plist", xml + last + "</dict></dict></dict></dict></dict></plist>");
+  };
+  std::string error;
+  std::optional<Ticket> ticket = Ticket::load(file(""), &error);
+  ASSERT_TRUE(ticket) << error.substr(0, 300);
+  Ticket nested;
+  ASSERT_EQ(ticket->getTicket(key, nested), noErr);
+  EXPECT_EQ(nested.size(), static_cast<std::size_t>(kItems));
+  EXPECT_EQ(nested.boolean("i" + std::to_string(kItems - 1)), true);
+
+  EXPECT_FALSE(Ticket::load(file("<key>bad</key><dict><key>Value</key><true/></dict>"), &error));
+  EXPECT_NE(error.find("item \"" + key + "\": ticket: item \"bad\": has no \"Client\""),
+            std::string::npos)
+      << error.substr(error.size() - 200);
+}
+
 }  // namespace
 }  // namespace varno::print

@@ -148,12 +148,62 @@ TEST(InterfaceFileLoading, MalformedFilesAreRefusedWithTheFaultNamed) {
        "(Group), control 1 (PopupButton), item 1"},
       {"<key>W</key><dict><key>Controls</key><array>" + twice + twice + "</array></dict>",
        "used twice"},
+      // Bounds stay within what a screen holds, so no edge overflows.
+      {"<key>W</key><dict><key>Bounds</key><array><integer>0</integer><integer>2147483647</integer>"
+       "<integer>10</integer><integer>1</integer></array></dict>",
+       "window \"W\": \"Bounds\""},
+      {WithControl(button + "<key>Bounds</key><array><integer>32767</integer><integer>0</integer>"
+                   "<integer>1</integer><integer>1</integer></array>"),
+       "control 1 (PushButton): \"Bounds\""},
+      {WithControl(button + "<key>Bounds</key><array><integer>-32768</integer><integer>0</integer>"
+                   "<integer>1</integer><integer>1</integer></array>"),
+       "control 1 (PushButton): \"Bounds\""},
+      {WithControl(button + "<key>Bounds</key><array><integer>0</integer><integer>0</integer>"
+                   "<integer>-1</integer><integer>1</integer></array>"),
+       "control 1 (PushButton): \"Bounds\""},
   };
   for (const auto& [windows, named] : cases) {
     std::string error;
     EXPECT_EQ(BuildOne(dir, windows, &error), kInterfaceFileDamaged) << windows;
     EXPECT_NE(error.find(named), std::string::npos) << error;
   }
+}
+
+// The widest bounds a screen holds are kept; a window named by a long name with many
+// controls builds in linear time and a fault in its last control is still named.
+TEST(InterfaceFileLoading, ExtremeButSaneLayoutsBuild) {
+  TempDir dir;
+  std::string error;
+  EXPECT_EQ(BuildOne(dir, WithControl("<key>Kind</key><string>PushButton</string><key>Bounds</key>"
+                                      "<array><integer>0</integer><integer>0</integer>"
+                                      "<integer>32767</integer><integer>32767</integer></array>"),
+                     &error),
+            noErr)
+      << error;
+
+  const std::string name(200 * 1024, 'W');
+  constexpr int kControls = 20000;
+  auto file = [&](const std::string& last) {
+    std::string xml = "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Windows</key><dict><key>" +
+                      name + "</key><dict><key>Controls</key><array>";
+    for (int i = 0; i < kControls; ++i) xml += "<dict><key>Kind</key><string>PushButton</string></dict>";
+    return dir.write("long.interface.plist", xml + last + "</array></dict></dict></dict></plist>");
+  };
+  std::unique_ptr<InterfaceFile> interface;
+  std::unique_ptr<Window> window;
+  ASSERT_EQ(InterfaceFile::openFile(file(""), &interface, &error), noErr) << error;
+  ASSERT_EQ(interface->createWindow(name, &window, &error), noErr) << error.substr(0, 300);
+  EXPECT_EQ(window->childCount(), static_cast<std::size_t>(kControls));
+
+  ASSERT_EQ(InterfaceFile::openFile(file("<dict><key>Kind</key><string>PushButton</string>"
+                                         "<key>Visible</key><integer>1</integer></dict>"),
+                                    &interface, &error),
+            noErr);
+  EXPECT_EQ(interface->createWindow(name, &window, &error), kInterfaceFileDamaged);
+  EXPECT_NE(error.find("window \"" + name + "\", control " + std::to_string(kControls + 1) +
+                       " (PushButton): \"Visible\" must be a boolean"),
+            std::string::npos)
+      << error.substr(error.size() - 200);
 }
 
 }  // namespace
