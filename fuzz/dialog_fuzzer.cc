@@ -11,6 +11,7 @@
 #include "platform/print/framework_driver.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/application.h"
+#include "platform/toolkit/automation_script.h"
 #include "platform/toolkit/window.h"
 #include "support.h"
 
