@@ -63,7 +63,9 @@ bool WriteAll(int fd, std::string_view bytes) {
 
 StoreContents ReadStore(const std::filesystem::path& file) {
   StoreContents contents;
-  Descriptor fd(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  // Non-blocking, so that a FIFO planted in the shared folder is refused below instead of
+  // waiting for a writer forever.
+  Descriptor fd(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (fd.fd < 0) {
     contents.state = errno == ENOENT ? StoreState::Missing : StoreState::Unreadable;
     contents.error = errno;
@@ -79,6 +81,7 @@ StoreContents ReadStore(const std::filesystem::path& file) {
                  S_ISREG(info.st_mode) ? "the file is too large" : "not a regular file");
     return contents;
   }
+  ::fcntl(fd.fd, F_SETFL, ::fcntl(fd.fd, F_GETFL) & ~O_NONBLOCK);
   std::string bytes(static_cast<std::size_t>(info.st_size), '\0');
   std::size_t done = 0;
   while (done < bytes.size()) {
