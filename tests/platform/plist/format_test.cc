@@ -19,7 +19,8 @@ namespace {
 using varno::testing::ReadAll;
 using varno::testing::TempDir;
 
-const std::string kHostile = std::string(VARNO_TEST_DATA_DIR) + "/plist/hostile/";
+// The inputs fuzzing found, kept once for the fuzz targets and the tests.
+const std::string kHostile = std::string(VARNO_FUZZ_REGRESSIONS) + "/";
 
 std::string Xml(std::string_view body) {
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\">" + std::string(body) +
