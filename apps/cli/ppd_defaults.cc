@@ -21,8 +21,13 @@ bool ReadPPDDefaults(const std::filesystem::path& path, PPDDefaults& out, std::s
   out.nickName = ppd->nickname ? ppd->nickname : "";
   out.choices.clear();
   out.options.clear();
+  // Collect the options before asking for marked choices: ppdFindMarkedChoice moves the cursor
+  // that ppdNextOption follows, and with an option defined twice the walk would start over forever.
+  std::vector<ppd_option_t*> walk;
   for (ppd_option_t* option = ppdcall::FirstOption(ppd.get()); option;
-       option = ppdcall::NextOption(ppd.get())) {
+       option = ppdcall::NextOption(ppd.get()))
+    walk.push_back(option);
+  for (ppd_option_t* option : walk) {
     std::vector<PPDChoice> list;
     for (int i = 0; i < option->num_choices; ++i)
       list.push_back({option->choices[i].choice, option->choices[i].text});

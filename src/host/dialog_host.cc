@@ -56,9 +56,10 @@ constexpr toolkit::MenuCommand kPreviousCommand = MakeOSType("VFdn");
 constexpr std::int32_t kSecurePrintJobType = 6;
 constexpr int kMinPasscodeLength = 1;
 constexpr int kMaxPasscodeLength = 12;
-// A getter that keeps failing is given up after this many tries, so that a missing
-// panel cannot hang the dialog.
-constexpr int kPanelLoadAttempts = 3;
+// A name that fails is tried again, as a panel may load at a later try; after this many
+// tries it is left out and the next name loaded, so a missing panel can neither hang the
+// dialog nor take the panels after it away.
+constexpr int kPanelLoadAttempts = 100;
 
 constexpr std::array<EventTypeSpec, 2> kInitializeEvents{{
     {toolkit::kEventClassControl, toolkit::kEventControlHit},
@@ -140,9 +141,10 @@ std::string Localized(const bundle::BundleRef& bundle, const char* key) {
 
 void LoadBuiltInPanels(DialogHostContext* host) {
   if (!host || !host->bundle) return;
+  std::size_t position = 0;
   int attempts = 0;
-  while (host->panelCount < static_cast<std::int16_t>(kPanelTableCapacity)) {
-    const char* name = PanelInterfaces[host->panelCount];
+  while (position < kPanelTableCapacity && host->panels.size() < kPanelTableCapacity) {
+    const char* name = PanelInterfaces[position];
     if (!name) break;
     bundle::BundleRef source = host->bundle;
     if (std::strcmp(name, kColorOptionGetterName) == 0)
@@ -170,11 +172,14 @@ void LoadBuiltInPanels(DialogHostContext* host) {
       if (host->panels.empty()) host->panels.reserve(kPanelTableCapacity);
       record.tabIndex = ++host->panelCount;
       host->panels.push_back(std::move(record));
-      attempts = 0;
-      continue;
+    } else if (++attempts < kPanelLoadAttempts) {
+      continue;  // the same name again: a panel may fail for a moment and then load
+    } else {
+      std::fprintf(stderr, "The panel %s did not load after %d tries and is left out.\n", name,
+                   kPanelLoadAttempts);
     }
-    // A failed name is tried again; only after repeated failures does loading stop.
-    if (++attempts >= kPanelLoadAttempts) break;
+    ++position;
+    attempts = 0;
   }
 }
 

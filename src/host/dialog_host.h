@@ -108,8 +108,8 @@ OSStatus HostOpen(print::PMPDEContext context);
 OSStatus HostClose(print::PMPDEContext context);
 OSStatus HostTerminate(print::PMPDEContext context, OSStatus status);
 
-// Loads every panel named in PanelInterfaces; a name that fails is retried, so a table
-// must only name panels that load.
+// Loads every panel named in PanelInterfaces in order; a name whose getter or Prologue
+// fails is tried again, and left out (with a line on standard error) only after many tries.
 void LoadBuiltInPanels(DialogHostContext* host);
 // Writes the panel shown into the ticket, refreshes the others, shows `tabIndex`.
 void selectPanel(std::int32_t tabIndex, DialogHostContext* host);

@@ -31,7 +31,7 @@ OSStatus SyncSeparatorsFromTicket(const print::Ticket* ticket, std::int32_t* opt
 }
 
 OSStatus SyncSeparatorsToTicket(print::Ticket* ticket, std::int32_t option, const Stock* stock) {
-  if (!ticket || (option != kNoSeparators && !stock)) return paramErr;
+  if (!ticket || !stock) return paramErr;
   PPDSetCurrentChoiceForTicketValue(ticket, kSeparatorOptionKeyword, option);
   if (option != kNoSeparators)
     PPDSetCurrentChoiceForTicketValue(ticket, kSeparatorSourceKeyword, stock->source());

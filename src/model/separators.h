@@ -25,8 +25,8 @@ inline constexpr std::int32_t kPrintedSeparators = 3;
 OSStatus SyncSeparatorsFromTicket(const print::Ticket* ticket, std::int32_t* option,
                                   std::unique_ptr<Stock>* stock);
 // Writes the option's choice and, when there are separators, the tray of `stock`; without
-// separators the tray choice is left as it stands. paramErr for a null ticket, or a null
-// stock when there are separators.
+// separators the tray choice is left as it stands. paramErr for a null ticket or stock,
+// with or without separators.
 OSStatus SyncSeparatorsToTicket(print::Ticket* ticket, std::int32_t option, const Stock* stock);
 // With blank or printed separators, adds the line "- Separators: <tray>" to the view's
 // text; otherwise leaves it. paramErr for a null view or bundle.

@@ -6,6 +6,9 @@
 namespace varno::model {
 namespace {
 
+bool Wellformed(const Insert&) { return true; }
+bool Wellformed(const ExceptionPage& page) { return page.endPage() >= page.startPage(); }
+
 template <typename Page>
 OSStatus ReadList(const print::Ticket& ticket, std::string_view key, SpecialPageList& list) {
   list.clear();
@@ -15,11 +18,20 @@ OSStatus ReadList(const print::Ticket& ticket, std::string_view key, SpecialPage
   std::vector<const SpecialPage*> view;
   pages.reserve(array.size());
   view.reserve(array.size());
+  bool skipped = false;
   for (const plist::Value& element : array) {
     pages.push_back(std::make_unique<Page>(element.asDictionary()));
+    // One damaged page must not cost the others: the list refuses a batch holding a range
+    // that ends before it starts (one with no end page included), so it is left out here.
+    if (!Wellformed(*pages.back())) {
+      pages.pop_back();
+      skipped = true;
+      continue;
+    }
     view.push_back(pages.back().get());
   }
-  return list.add(view);
+  const OSStatus status = list.add(view);
+  return status != noErr ? status : skipped ? paramErr : noErr;
 }
 
 }  // namespace

@@ -26,7 +26,9 @@ OSStatus WriteCover(print::Ticket& ticket, std::string_view key, const Cover* co
 
 // Empty `list` and refill it from the array under its key in one add, so inserts are
 // re-sorted and exception ranges merged. An element that is not a dictionary becomes a
-// default page. Returns noErr, or the ticket's status when there is no array to read.
+// default page; an exception range that ends before it starts (or has no end page) is
+// left out and the rest kept, with paramErr. Returns noErr, or the ticket's status when
+// there is no array to read.
 OSStatus ReadInsertList(const print::Ticket& ticket, InsertList& list);
 OSStatus ReadExceptionList(const print::Ticket& ticket, ExceptionPageList& list);
 

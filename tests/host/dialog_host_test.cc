@@ -77,6 +77,40 @@ TEST_F(DialogHost, PrologueReportsTheHostAndLoadsTheFourPanelsInTableOrder) {
       << "Initialize registers the bundle's help book";
 }
 
+// A panel that fails for a while still loads, and one that never loads costs only itself:
+// the test plug-in's panel getter, with failures injected into its Prologue.
+TEST(PanelLoading, AFailingNameIsRetriedAndNeverTakesTheLaterPanelsAway) {
+  bundle::BundleRef testBundle = bundle::Bundle::Open(VARNO_BUILD_DIR "/tests/TestPDE.plugin");
+  ASSERT_NE(testBundle, nullptr);
+  auto failTimes = testBundle->function<void (*)(const char*, OSStatus, int)>("TestPDEFailTimes");
+  ASSERT_NE(failTimes, nullptr);
+  const std::vector<const char*> saved(std::begin(PanelInterfaces), std::end(PanelInterfaces));
+  struct Case {
+    std::vector<const char*> names;
+    int prologueFailures;
+    std::size_t loaded;
+  };
+  const Case cases[] = {
+      {{"TestPDEPanelInterface", "TestPDEPanelInterface"}, 4, 2},
+      {{"NoSuchPanelInterface", "TestPDEPanelInterface"}, 0, 1},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.names[0]);
+    std::fill(std::begin(PanelInterfaces), std::end(PanelInterfaces), nullptr);
+    std::copy(c.names.begin(), c.names.end(), std::begin(PanelInterfaces));
+    failTimes("Prologue", -1, c.prologueFailures);
+    DialogHostContext host;
+    host.bundle = testBundle;
+    LoadBuiltInPanels(&host);
+    ASSERT_EQ(host.panels.size(), c.loaded);
+    for (std::size_t i = 0; i < host.panels.size(); ++i) {
+      EXPECT_EQ(host.panels[i].tabIndex, static_cast<std::int32_t>(i + 1));
+      host.panels[i].interface->Terminate(host.panels[i].context, noErr);
+    }
+  }
+  std::copy(saved.begin(), saved.end(), std::begin(PanelInterfaces));
+}
+
 // The buttons and the step commands wrap around, the commands go on to the framework, and
 // the selector ignores the panel already shown; the selector always names the shown panel.
 TEST_F(DialogHost, ButtonsStepCommandsAndTheSelectorShowOnePanel) {

@@ -68,7 +68,8 @@ TEST_F(Separators, WritingWithoutSeparatorsLeavesTheTrayChoiceAlone) {
   ASSERT_EQ(SyncSeparatorsToTicket(&ticket_, kNoSeparators, &stock), noErr);
   EXPECT_EQ(ticket_.ppdDictionary().getString("VNSlipSheetPrint"), "None");
   EXPECT_EQ(ticket_.ppdDictionary().getString("VNSlipSheetSource"), "Tray3");
-  EXPECT_EQ(SyncSeparatorsToTicket(&ticket_, kPrintedSeparators, nullptr), paramErr);
+  for (std::int32_t option : {kNoSeparators, kPrintedSeparators})
+    EXPECT_EQ(SyncSeparatorsToTicket(&ticket_, option, nullptr), paramErr) << option;
 }
 
 TEST_F(Separators, SummaryGetsOneLineOnlyWhenThereAreSeparators) {

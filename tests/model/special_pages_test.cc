@@ -214,6 +214,19 @@ TEST(SpecialPagesTicket, ReadingMergesAndSortsWhatWasStored) {
   EXPECT_EQ(inserts.count(), 0);
 }
 
+TEST(SpecialPagesTicket, ADamagedRangeIsLeftOutAndTheOthersKept) {
+  print::Ticket ticket;
+  Dictionary noEnd = MakeRange(5, 8, 3).asTicket();
+  noEnd.remove("EndPage");
+  ticket.setValue(kExceptionListKey,
+                  Array{MakeRange(1, 2, 1).asTicket(), noEnd, MakeRange(9, 7, 2).asTicket(),
+                        MakeRange(10, 12, 2).asTicket()},
+                  "com.varno.print");
+  ExceptionPageList ranges;
+  EXPECT_EQ(ReadExceptionList(ticket, ranges), paramErr);
+  EXPECT_EQ(Ranges(ranges), (R{{1, 2, 1}, {10, 12, 2}}));
+}
+
 TEST(SyncCovers, WritesTraysAndDictionaries) {
   print::Ticket ticket;
   auto front = std::make_unique<Cover>(), back = std::make_unique<Cover>();
