@@ -13,6 +13,11 @@ extern bundle::BundleRef gBundle;
 // Returns gBundle.
 bundle::BundleRef GetPDEBundle();
 
+// The plug-in bundle found by its identifier, as each panel's Prologue finds it: the one
+// this code was loaded from when it is open, so a panel loaded by another host's panel
+// table has its strings and interface files too. Null when there is none.
+bundle::BundleRef FindPlugInBundle();
+
 }  // namespace varno
 
 // The same, exported by name for code outside the plug-in (another panel bundle, a host),

@@ -19,7 +19,7 @@ OSStatus PanelPrologue(print::PMPDEContext* context, OSType* creator, std::strin
                        std::string* title, std::uint32_t* maxH, std::uint32_t* maxV) {
   auto* panel = new (std::nothrow) PlaceholderPanelContext{};
   if (!panel) return kPMInvalidPDEContext;
-  panel->title = host::LocalizedPanelTitle(GetPDEBundle(), TitleKey);
+  panel->title = host::LocalizedPanelTitle(FindPlugInBundle(), TitleKey);
   if (context) *context = panel;
   host::ReportPanelPrologue(host::kHostSignature, panel->title, creator, kind, title, maxH, maxV);
   return noErr;

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string_view>
+#include <utility>
 #include <string>
 
 #include "host/dialog_host.h"
@@ -44,6 +46,45 @@ class ImageOptionsPanel : public testing::PlugInDialogTest {
 
   Control* pane_ = nullptr;
 };
+
+// Another host's panel table reaches each panel by its getter alone, without our host's
+// Prologue: every panel still finds the bundle by its identifier, for its title, and Image
+// Options for its interface file.
+TEST_F(ImageOptionsPanel, EveryPanelLoadedByAnotherHostFindsItsBundle) {
+  const bundle::BundleRef& bundle = driver_.bundle();
+  const std::pair<const char*, const char*> panels[] = {
+      {"GetPaperOutputPanelInterface", "PaperOutput"},
+      {"GetImageOptionsPanelInterface", "ImageOptions"},
+      {"GetBookletWatermarkPanelInterface", "BookletWatermark"},
+      {"GetAdvancedPanelInterface", "Advanced"},
+      {"GetSpecialPagesPanelInterface", "SpecialPages"},
+      {"GetJobNotesPanelInterface", "JobNotes"}};
+  session_->setPrinterPPD(testing::kVarnoTestPPD);
+  for (const auto& [getterName, titleKey] : panels) {
+    SCOPED_TRACE(getterName);
+    auto getter = bundle->function<host::PanelInterfaceGetter>(getterName);
+    ASSERT_NE(getter, nullptr);
+    host::PanelInterfaceHolder* holder = nullptr;
+    ASSERT_EQ(getter(&holder), noErr);
+    std::unique_ptr<host::PanelInterface> entries(holder->interface);
+    delete holder;
+    print::PMPDEContext context = nullptr;
+    OSType creator = 0;
+    std::string kind, title;
+    std::uint32_t maxH = 0, maxV = 0;
+    ASSERT_EQ(entries->Prologue(&context, &creator, &kind, &title, &maxH, &maxV), noErr);
+    const std::string expected = bundle->localizedString(titleKey, "Localizable", "?");
+    EXPECT_EQ(title, expected);
+    if (std::string_view(titleKey) == "ImageOptions") {
+      print::PMPDEFlags flags = 0;
+      EXPECT_EQ(entries->Initialize(context, &flags, nullptr, parentPane_, session_.get()), noErr);
+      EXPECT_EQ(entries->Open(context), noErr);
+      EXPECT_NE(window_->findByID({kImageOptionsSignature, kImageQualityPopupID}), nullptr);
+      entries->Close(context);
+    }
+    entries->Terminate(context, noErr);
+  }
+}
 
 TEST_F(ImageOptionsPanel, OpensWithThePrinterDefaultsAndTheirPictures) {
   OpenImageOptions();

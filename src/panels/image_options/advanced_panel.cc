@@ -51,7 +51,7 @@ OSStatus AdvancedPrologue(print::PMPDEContext* context, OSType* creator, std::st
   auto* panel = new (std::nothrow) AdvancedContext{};
   if (!panel) return kPMInvalidPDEContext;
   panel->requestOffset = kDefaultRequestOffset;
-  panel->bundle = GetPDEBundle();
+  panel->bundle = FindPlugInBundle();
   panel->title = host::LocalizedPanelTitle(panel->bundle, "Advanced");
   if (context) *context = panel;
   // Unlike the other panels, this one reports the creator code of its controls.

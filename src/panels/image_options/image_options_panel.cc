@@ -53,7 +53,7 @@ OSStatus ImageOptionsPrologue(print::PMPDEContext* context, OSType* creator, std
                               std::string* title, std::uint32_t* maxH, std::uint32_t* maxV) {
   auto* panel = new (std::nothrow) ImageOptionsContext{};
   if (!panel) return kPMInvalidPDEContext;
-  panel->bundle = GetPDEBundle();
+  panel->bundle = FindPlugInBundle();
   panel->title = host::LocalizedPanelTitle(panel->bundle, "ImageOptions");
   panel->drawHandler = ImageOptionsDrawEventHandler;
   panel->panelHandler = ImageOptionsPanelEventHandler;
