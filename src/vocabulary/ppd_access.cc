@@ -6,7 +6,11 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <string>
+#include <system_error>
+#include <utility>
 
+#include "host/pde_bundle.h"
 #include "host/ticket_access.h"
 #include "vocabulary/choice_maps.h"
 #include "platform/print/ppd_calls.h"
@@ -17,6 +21,30 @@ namespace {
 
 // The shared PPD of the current printer (see the header); null until opened.
 ppd_file_t* gCurrentPPD = nullptr;
+// The localizer plug-in that localized it, kept loaded while the PPD is open: the texts it
+// wrote may point into it.
+bundle::BundleRef gLocalizer;
+
+// Calls the localizer plug-in of the plug-in bundle on `ppd`; false when there is none.
+bool InvokeLocalizerPlugIn(ppd_file_t* ppd) {
+  bundle::BundleRef owner = GetPDEBundle();
+  if (!owner) return false;
+  const std::filesystem::path path = owner->resourcesPath() / kPPDLocalizerBundle;
+  std::error_code ignored;
+  if (!std::filesystem::is_directory(path, ignored)) return false;
+  std::string error;
+  bundle::BundleRef localizer = bundle::Bundle::Open(path, &error);
+  auto localize = localizer ? localizer->function<PPDLocalizer>(kPPDLocalizerFunction, &error)
+                            : nullptr;
+  if (!localize) {
+    std::fprintf(stderr, "The PPD localizer %s could not be used (%s); the PPD's own texts are kept.\n",
+                 path.c_str(), error.c_str());
+    return false;
+  }
+  localize(ppd);
+  gLocalizer = std::move(localizer);
+  return true;
+}
 
 const char* IconvName(PPDEncoding encoding) {
   switch (encoding) {
@@ -60,15 +88,14 @@ ppd_file_t* PPDGetCurrent() {
   std::optional<std::filesystem::path> path = session->ppdPath();
   if (!path) return nullptr;
   gCurrentPPD = ppdcall::OpenFile(path->c_str());
-  // Localized by libcups from the translations the PPD itself carries for the user's
-  // language; no localizer bundle inside ours is loaded. Without them the texts stay.
-  if (gCurrentPPD) ppdcall::Localize(gCurrentPPD);
+  if (gCurrentPPD && !InvokeLocalizerPlugIn(gCurrentPPD)) ppdcall::Localize(gCurrentPPD);
   return gCurrentPPD;
 }
 
 void PPDCloseCurrent() {
   ppdcall::Close(gCurrentPPD);
   gCurrentPPD = nullptr;
+  gLocalizer.reset();
 }
 
 std::optional<std::string> PPDCopyCurrentChoice(const print::Ticket* ticket,

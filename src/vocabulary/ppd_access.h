@@ -23,7 +23,13 @@ enum class PPDEncoding { MacRoman, ISOLatin1, ISOLatin2, ISOLatin5, ShiftJIS, UT
 
 // The shared PPD of the current session's printer, opened on first use; null when there
 // is no session, no printer PPD, or it cannot be opened (the next call tries again).
+// Its texts are localized once, on opening, by the localizer plug-in inside the plug-in
+// bundle when there is one (kPPDLocalizerFunction of Resources/kPPDLocalizerBundle, called
+// with the PPD), else by libcups from the translations the PPD itself carries.
 ppd_file_t* PPDGetCurrent();
+inline constexpr const char* kPPDLocalizerBundle = "LyraCups.plugin";
+inline constexpr const char* kPPDLocalizerFunction = "InvokeLocalizedPPD";
+using PPDLocalizer = void (*)(ppd_file_t* ppd);
 void PPDCloseCurrent();
 
 // The choice under `keyword` in the ticket's PPD dictionary, or nullopt.

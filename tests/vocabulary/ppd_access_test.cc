@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/pde_bundle.h"
 #include "host/ticket_access.h"
 #include "platform/toolkit/control.h"
 #include "support/bundle_folder.h"
@@ -301,6 +302,29 @@ TEST(CurrentPPD, OpensTheSessionPrintersPPDOnceAndAgainAfterClosing) {
   ppd_file_t* other = PPDGetCurrent();
   EXPECT_TRUE(other && !PPDIsFromMaker(other));
   PPDCloseCurrent();
+  SetCurrentPrintSession(nullptr);
+}
+
+// A localizer plug-in inside the plug-in bundle localizes the shared PPD in place of libcups.
+TEST(CurrentPPD, IsLocalizedByTheBundlesLocalizerWhenItHasOne) {
+  print::Session session;
+  SetCurrentPrintSession(&session);
+  session.setPrinterPPD(kSample.string());
+  const bundle::BundleRef saved = gBundle;
+  const std::pair<std::filesystem::path, std::string> cases[] = {
+      {VARNO_BUILD_DIR "/tests/TestPDE.plugin", "[stand-in] Paper Size"},
+      {VARNO_BUILD_DIR "/VarnoFeatures.plugin", "Paper Size"}};  // has none
+  for (const auto& [bundlePath, text] : cases) {
+    gBundle = bundle::Bundle::Open(bundlePath);
+    ASSERT_NE(gBundle, nullptr) << bundlePath;
+    ppd_file_t* ppd = PPDGetCurrent();
+    ASSERT_NE(ppd, nullptr);
+    ppd_option_t* pageSize = ppdFindOption(ppd, "PageSize");
+    ASSERT_NE(pageSize, nullptr);
+    EXPECT_EQ(std::string(pageSize->text), text) << bundlePath;
+    PPDCloseCurrent();
+  }
+  gBundle = saved;
   SetCurrentPrintSession(nullptr);
 }
 
