@@ -308,7 +308,7 @@ std::optional<Ticket> Parse(const plist::Dictionary& form, int depth, const Wher
   Ticket ticket;
   for (const auto& [key, entry] : *items->asDictionary()) {
     const Where here{outer, key};
-    auto at = [&] { return where() + "item " + Quoted(key) + ": "; };
+    auto at = [&, &key = key] { return where() + "item " + Quoted(key) + ": "; };
     if (key.empty()) {
       error = where() + "an item has an empty key";
       return std::nullopt;
