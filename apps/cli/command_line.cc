@@ -8,8 +8,8 @@ namespace varno::cli {
 const char* const kUsage =
     "usage: varno-print [--ppd FILE | -P QUEUE [-h SERVER[:PORT]]] [setting options]\n"
     "                   [--ticket IN.plist | --ticket-from-defaults] [--save-ticket OUT.plist]\n"
-    "                   [--summary] [--list] [--dry-run] [--save-defaults]\n"
-    "                   [--session FILE] [--save FILE] [--bundle-path DIR] [FILE...]\n"
+    "                   [-o KEY=VALUE]... [--summary] [--list] [--dry-run] [--save-defaults]\n"
+    "                   [--session FILE] [--save FILE] [--bundle-path DIR] [-v] [FILE...]\n"
     "\n"
     "Loads the Varno plug-in bundle, opens the Print dialog on a printer and makes the\n"
     "choices given as setting options. With -P and files it prints them as one job on the\n"
@@ -17,7 +17,7 @@ const char* const kUsage =
     "XML property list.\n"
     "\n"
     "  --ppd FILE               the printer described by this PPD file\n"
-    "  -P, --queue QUEUE        this CUPS queue (its PPD is fetched from the scheduler)\n"
+    "  -P, -d, --queue QUEUE    this CUPS queue (its PPD is fetched from the scheduler)\n"
     "  -h, --server HOST[:PORT] the scheduler of -P (default: CUPS_SERVER or the usual one)\n"
     "  --ticket IN.plist        start from a print-settings ticket saved earlier\n"
     "  --ticket-from-defaults   start from the defaults saved for the queue (-P)\n"
@@ -30,6 +30,10 @@ const char* const kUsage =
     "  --session FILE           start from a whole session saved with --save\n"
     "  --save FILE              save the whole session (printer and tickets) to FILE\n"
     "  --bundle-path DIR        look for the plug-in bundle in DIR first\n"
+    "  -o KEY=VALUE             choose VALUE for the printer's PPD option KEY before the\n"
+    "                           dialog opens, as a ticket holding it would (repeatable)\n"
+    "  -v, --verbose            say which printer and plug-in are used, and what was saved\n"
+    "  --version                show the program's version\n"
     "  --help                   show this text\n"
     "\n"
     "Setting options (a choice is its PPD keyword or its shown text, in any case):\n"
@@ -37,22 +41,27 @@ const char* const kUsage =
     "  --mirror-image on|off   --banner-sheet CHOICE --request-offset CHOICE\n"
     "  --feed-edge CHOICE\n"
     "\n"
-    "Without --ppd, -P or --session the bundled sample printer is used.\n";
+    "Every option that takes a value also takes it as --name=value (-Pqueue for the short\n"
+    "ones). Without --ppd, -P or --session the bundled sample printer is used.\n"
+    "Exit status: 0 done, 1 failed (the message says why), 2 the command line is wrong.\n";
 
 std::optional<Options> ParseArguments(int argc, char** argv) {
   Options options;
   const std::vector<std::pair<std::string_view, std::optional<std::string>*>> valued = {
       {"--ppd", &options.ppd},         {"--queue", &options.queue},
-      {"-P", &options.queue},          {"--server", &options.server},
-      {"-h", &options.server},         {"--ticket", &options.ticket},
-      {"--save-ticket", &options.saveTicket}, {"--session", &options.session},
-      {"--save", &options.save},       {"--bundle-path", &options.bundlePath}};
+      {"-P", &options.queue},          {"-d", &options.queue},
+      {"--server", &options.server},   {"-h", &options.server},
+      {"--ticket", &options.ticket},   {"--save-ticket", &options.saveTicket},
+      {"--session", &options.session}, {"--save", &options.save},
+      {"--bundle-path", &options.bundlePath}};
   const std::vector<std::pair<std::string_view, bool*>> flags = {
       {"--summary", &options.summary},         {"--list", &options.list},
       {"--dry-run", &options.dryRun},          {"--save-defaults", &options.saveDefaults},
-      {"--ticket-from-defaults", &options.ticketFromDefaults}, {"--help", &options.help}};
+      {"--ticket-from-defaults", &options.ticketFromDefaults}, {"--help", &options.help},
+      {"--version", &options.version},         {"--verbose", &options.verbose},
+      {"-v", &options.verbose}};
   auto usage = [](const std::string& message) {
-    std::cerr << "varno-print: " << message << "\n" << kUsage;
+    std::cerr << "varno-print: " << message << "\nTry 'varno-print --help' for more information.\n";
     return std::nullopt;
   };
   bool onlyFiles = false;
@@ -66,22 +75,50 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
       onlyFiles = true;
       continue;
     }
+    // The name and, when it is written into the same argument, the value:
+    // "--name=value", or a one-letter option with its value attached ("-Pqueue").
+    std::string_view name = arg;
+    std::optional<std::string_view> attached;
+    if (arg.starts_with("--")) {
+      if (std::size_t equals = arg.find('='); equals != std::string_view::npos) {
+        name = arg.substr(0, equals);
+        attached = arg.substr(equals + 1);
+      }
+    } else if (arg.size() > 2) {
+      name = arg.substr(0, 2);
+      attached = arg.substr(2);
+    }
+
     bool* flag = nullptr;
-    for (const auto& [name, target] : flags)
-      if (arg == name) flag = target;
+    for (const auto& [flagName, target] : flags)
+      if (name == flagName) flag = target;
     if (flag) {
+      if (attached) return usage(std::string(name) + " takes no value");
       *flag = true;
-      if (options.help) return options;
+      if (options.help || options.version) return options;
       continue;
     }
     std::optional<std::string>* slot = nullptr;
-    for (const auto& [name, target] : valued)
-      if (arg == name) slot = target;
-    const SettingOption* setting = arg.starts_with("--") ? FindSettingOption(arg.substr(2)) : nullptr;
-    if (!slot && !setting) return usage("unknown argument '" + std::string(arg) + "'");
-    if (i + 1 >= argc) return usage(std::string(arg) + " needs a value");
-    if (setting) options.settings.emplace_back(setting, argv[++i]);
-    else *slot = argv[++i];
+    for (const auto& [valuedName, target] : valued)
+      if (name == valuedName) slot = target;
+    const bool ppdChoice = name == "-o";
+    const SettingOption* setting = name.starts_with("--") ? FindSettingOption(name.substr(2)) : nullptr;
+    if (!slot && !setting && !ppdChoice) return usage("unknown option '" + std::string(name) + "'");
+    std::string value;
+    if (attached) value = *attached;
+    else if (i + 1 < argc) value = argv[++i];
+    else return usage(std::string(name) + " needs a value");
+
+    if (setting) {
+      options.settings.emplace_back(setting, value);
+    } else if (ppdChoice) {
+      const std::size_t equals = value.find('=');
+      if (equals == 0 || equals == std::string::npos || equals + 1 == value.size())
+        return usage("-o takes KEY=VALUE, a PPD option and one of its choices, not '" + value + "'");
+      options.ppdChoices.emplace_back(value.substr(0, equals), value.substr(equals + 1));
+    } else {
+      *slot = value;
+    }
   }
   if (options.ppd && options.queue) return usage("give --ppd or -P, not both");
   if (options.server && !options.queue) return usage("-h goes with -P");

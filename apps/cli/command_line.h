@@ -18,6 +18,10 @@ struct Options {
   bool saveDefaults = false;
   bool ticketFromDefaults = false;
   bool help = false;
+  bool version = false;
+  bool verbose = false;  // the informational lines on standard error
+  // -o KEY=VALUE: PPD choices, in command-line order.
+  std::vector<std::pair<std::string, std::string>> ppdChoices;
   // (setting option, value) in command-line order.
   std::vector<std::pair<const SettingOption*, std::string>> settings;
   // Files to print, in order.
@@ -26,8 +30,9 @@ struct Options {
 
 extern const char* const kUsage;
 
-// Parses the arguments; nullopt, after a message and the usage on standard error, when
-// they are wrong.
+// Parses the arguments as lp users write them: "--name value" or "--name=value", "-Pqueue"
+// or "-P queue", "-o KEY=VALUE" repeated. nullopt, after one line saying what is wrong and
+// a pointer to --help on standard error, when they are wrong.
 std::optional<Options> ParseArguments(int argc, char** argv);
 
 }  // namespace varno::cli

@@ -40,6 +40,15 @@ int Fail(const std::string& message, int status = kExitFailure) {
   return status;
 }
 
+// Informational lines (which printer and plug-in, what was saved) are shown with -v only.
+bool gVerbose = false;
+void Say(const std::string& line) {
+  if (gVerbose) std::cerr << "varno-print: " << line << "\n";
+}
+
+// The PPD maker whose printers the plug-in serves; the plug-in refuses any other.
+constexpr std::string_view kPrinterMaker = "Varno";
+
 // The sample printer's PPD: installed beside the program, or in the source tree of a build.
 std::filesystem::path SamplePPD() {
   std::error_code ec;
@@ -86,7 +95,10 @@ int ReadPrinter(print::Session& session, cli::PPDDefaults& ppd) {
   std::optional<std::filesystem::path> path = session.ppdPath(&error);
   if (!path) return Fail(error);
   if (!cli::ReadPPDDefaults(*path, ppd, error)) return Fail(error);
-  std::cerr << "varno-print: printer " << ppd.nickName << " (" << path->string() << ")\n";
+  if (ppd.manufacturer != kPrinterMaker)
+    return Fail(path->string() + ": this printer's PPD is not a Varno PPD (its manufacturer is \"" +
+                ppd.manufacturer + "\"); choose a Varno printer with -P QUEUE or --ppd FILE");
+  Say("printer " + ppd.nickName + " (" + path->string() + ")");
   return 0;
 }
 
@@ -106,8 +118,8 @@ int ApplyQueueDefaults(const Options& options, const cli::PPDDefaults& ppd,
   plist::Dictionary choices = ticket.ppdDictionary();
   for (const print::JobOption& option : print::PlainJobOptions(*defaults))
     if (ppd.choicesOf(option.name)) choices.set(option.name, option.value);
-  std::cerr << "varno-print: started from the defaults of queue " << *options.queue << " ("
-            << entries->size() << " ticket entries)\n";
+  Say("started from the defaults of queue " + *options.queue + " (" +
+      std::to_string(entries->size()) + " ticket entries)");
   return 0;
 }
 
@@ -117,6 +129,36 @@ void AddPrinterDefaults(const cli::PPDDefaults& ppd, print::Session& session) {
   plist::Dictionary choices = session.printSettings().ppdDictionary();
   for (const auto& [keyword, choice] : ppd.choices)
     if (!choices.contains(keyword)) choices.set(keyword, choice);
+}
+
+// Puts the -o choices into the ticket before the dialog opens, so the panels read them as
+// a saved ticket's choices. The option and the choice are matched in any case and stored
+// as the PPD spells them; one the printer lacks is a usage error that lists what it has.
+int ApplyPPDChoices(const Options& options, const cli::PPDDefaults& ppd, print::Session& session) {
+  plist::Dictionary choices = session.printSettings().ppdDictionary();
+  for (const auto& [key, value] : options.ppdChoices) {
+    const std::pair<std::string, std::vector<cli::PPDChoice>>* option = nullptr;
+    for (const auto& candidate : ppd.options)
+      if (plist::EqualCaseInsensitive(candidate.first, key)) option = &candidate;
+    if (!option) {
+      std::string names;
+      for (const auto& [keyword, unused] : ppd.options) names += (names.empty() ? "" : ", ") + keyword;
+      return Fail("-o " + key + ": the printer has no option \"" + key + "\"; its options are: " +
+                      names,
+                  kExitUsage);
+    }
+    const cli::PPDChoice* choice = nullptr;
+    std::string offered;
+    for (const cli::PPDChoice& candidate : option->second) {
+      if (plist::EqualCaseInsensitive(candidate.keyword, value)) choice = &candidate;
+      offered += (offered.empty() ? "" : ", ") + candidate.keyword;
+    }
+    if (!choice)
+      return Fail("-o " + key + ": no choice \"" + value + "\"; the choices are: " + offered,
+                  kExitUsage);
+    choices.set(option->first, choice->keyword);
+  }
+  return 0;
 }
 
 std::string SummaryText(print::FrameworkDriver& driver) {
@@ -154,9 +196,9 @@ int RunDialog(const Options& options, const cli::PPDDefaults& ppd, print::Sessio
   if (driver.loadByIdentifier(host::kPlugInBundleIdentifier) != noErr) return Fail(driver.error());
   print::PMPDEVersion version{};
   driver.getAPIVersion(version);
-  std::cerr << "varno-print: plug-in " << host::kPlugInBundleIdentifier << " from "
-            << driver.bundle()->path().string() << " (interface " << version.buildVersionMajor
-            << "." << version.buildVersionMinor << ")\n";
+  Say(std::string("plug-in ") + host::kPlugInBundleIdentifier + " from " +
+      driver.bundle()->path().string() + " (interface " +
+      std::to_string(version.buildVersionMajor) + "." + std::to_string(version.buildVersionMinor) + ")");
   if (driver.prologue() != noErr || driver.initialize(&session, pane) != noErr ||
       driver.open() != noErr)
     return Fail("the plug-in could not open its panels: " + driver.error());
@@ -176,7 +218,9 @@ int RunDialog(const Options& options, const cli::PPDDefaults& ppd, print::Sessio
   if (options.list) std::cout << settings.list();
   if (options.summary) {
     const std::string summary = SummaryText(driver);
-    if (summary.empty()) std::cerr << "varno-print: no panel gives a summary of its settings\n";
+    if (summary.empty())
+      return Fail("no panel of this plug-in gives a summary of its settings yet; use --list to "
+                  "see every setting and its value");
     std::cout << summary;
   }
   if (driver.close() != noErr || driver.terminate(noErr) != noErr)
@@ -191,12 +235,12 @@ int Deliver(const Options& options, print::Session& session) {
   const print::Ticket ticket = session.printSettings();
   if (options.save) {
     if (!session.save(*options.save, &error)) return Fail(error);
-    std::cerr << "varno-print: session saved to " << *options.save << "\n";
+    Say("session saved to " + *options.save);
   }
   // Saved before anything reaches a scheduler, so a refused job loses no settings.
   if (options.saveTicket) {
     if (!ticket.save(*options.saveTicket, &error)) return Fail(error);
-    std::cerr << "varno-print: ticket saved to " << *options.saveTicket << "\n";
+    Say("ticket saved to " + *options.saveTicket);
   }
   std::optional<std::vector<print::JobOption>> jobOptions = print::TicketToJobOptions(ticket, &error);
   if (!jobOptions) return Fail("the ticket cannot become job options: " + error);
@@ -205,7 +249,7 @@ int Deliver(const Options& options, print::Session& session) {
 
   if (options.saveDefaults) {
     if (!print::SaveQueueDefaults(queue, server, *jobOptions, &error)) return Fail(error);
-    std::cerr << "varno-print: the ticket is now the default of queue " << queue << "\n";
+    Say("the ticket is now the default of queue " + queue);
   }
   if (options.dryRun) {
     for (const print::JobOption& option : *jobOptions)
@@ -215,8 +259,8 @@ int Deliver(const Options& options, print::Session& session) {
     const std::string title = files.front().filename().string();
     const int job = print::SubmitJob(queue, server, files, *jobOptions, title, &error);
     if (job == 0) return Fail(error);
-    std::cerr << "varno-print: request id is " << queue << "-" << job << " (" << files.size()
-              << (files.size() == 1 ? " file)\n" : " files)\n");
+    // As lp says it, on standard output, so scripts written for lp read it the same way.
+    std::cout << "request id is " << queue << "-" << job << " (" << files.size() << " file(s))\n";
   } else if (!options.saveTicket && !options.list && !options.summary) {
     std::optional<std::string> xml = plist::ToXML(ticket.toPropertyList(), &error);
     if (!xml) return Fail(error);
@@ -235,6 +279,7 @@ int Run(const Options& options) {
   if (options.ticketFromDefaults)
     if (int status = ApplyQueueDefaults(options, ppd, *session)) return status;
   AddPrinterDefaults(ppd, *session);
+  if (int status = ApplyPPDChoices(options, ppd, *session)) return status;
   if (int status = RunDialog(options, ppd, *session)) return status;
   return Deliver(options, *session);
 }
@@ -248,5 +293,10 @@ int main(int argc, char** argv) {
     std::cout << cli::kUsage;
     return 0;
   }
+  if (options->version) {
+    std::cout << "varno-print " VARNO_VERSION "\n";
+    return 0;
+  }
+  gVerbose = options->verbose;
   return Run(*options);
 }

@@ -113,6 +113,7 @@ const std::map<std::string, Case> kCases = {
     {"plist-invalid-utf8-binary-truncated.plist", {Expect::Refused, Expect::Refused, false}},
     {"plist-nul-in-string-abort.plist", {Expect::Refused, Expect::Refused, false}},
     {"ppd-duplicate-option-readppddefaults-endless-loop.ppd", {Expect::Refused, Expect::Refused, false}},
+    {"ppd-duplicate-custompagesize-libcups-leak.ppd", {Expect::Refused, Expect::Refused, false}},
     {"ticket-binary-date-2100-becomes-1932.bplist", {Expect::Used, Expect::Refused, true}},
     {"ticket-key-ending-in-part-suffix-lost-in-job-options.plist", {Expect::Used, Expect::Refused, true}},
     // Latin-1 bytes in a UTF-8 file: refusing the file and reading it are both fair.

@@ -122,6 +122,29 @@ TEST(VarnoPrint, ChoicesAreNamedByKeywordOrTextInAnyCase) {
   EXPECT_TRUE(unknown.out.empty());
 }
 
+// The habits of lp users: -o KEY=VALUE for PPD choices that the panels then read,
+// --name=value, -v for the informational lines that are otherwise left out, --version.
+TEST(VarnoPrint, TakesTheCommandLineAsLpUsersWriteIt) {
+  TempDir dir;
+  ProgramRun run = VarnoPrint("-o VNOutputMode=HighQuality -o duplex=duplextumble", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  EXPECT_EQ(run.all, run.out) << "nothing on standard error without -v";
+  std::optional<print::Ticket> ticket = PrintedTicket(run);
+  ASSERT_TRUE(ticket);
+  EXPECT_EQ(ticket->ppdDictionary().getString("VNOutputMode"), "HighQuality");
+  EXPECT_EQ(ticket->ppdDictionary().getString("Duplex"), "DuplexTumble");
+  EXPECT_EQ(ticket->number<std::int32_t>("com.varno.print.ImageResolution"), 5)
+      << "the Image Options panel read the choice";
+
+  const std::string spaced = VarnoPrint("--image-quality HighQuality", dir).out;
+  ProgramRun joined = VarnoPrint("--image-quality=HighQuality -v", dir);
+  EXPECT_EQ(joined.out, spaced);
+  EXPECT_NE(joined.all.find("printer Varno AT120A"), std::string::npos) << joined.all;
+  ProgramRun version = VarnoPrint("--version", dir);
+  EXPECT_EQ(version.status, 0);
+  EXPECT_TRUE(version.out.starts_with("varno-print ")) << version.out;
+}
+
 // Usage errors exit 2; a file or plug-in that cannot be used exits 1, naming it.
 TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
   TempDir dir;
@@ -135,9 +158,15 @@ TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
     std::string arguments;
     int status;
     std::string named;
-  } cases[] = {{"--frobnicate", 2, "unknown argument '--frobnicate'"},
-               {"--ppd", 2, ""},
+  } cases[] = {{"--frobnicate", 2, "unknown option '--frobnicate'\nTry 'varno-print --help'"},
+               {"--ppd", 2, "--ppd needs a value"},
+               {"--list=yes", 2, "--list takes no value"},
                {"--ppd a.ppd --queue q", 2, ""},
+               {"-o Duplex", 2, "-o takes KEY=VALUE"},
+               {"-o Nonexistent=1", 2, "no option \"Nonexistent\"; its options are: Duplex,"},
+               {"-o Duplex=Sideways", 2, "the choices are: None, DuplexNoTumble, DuplexTumble"},
+               {"--ppd '" VARNO_TEST_DATA_DIR "/ppd/Other-Maker.ppd'", 1, "is not a Varno PPD"},
+               {"--summary", 1, "no panel of this plug-in gives a summary"},
                {"--ppd '" + (dir / "none.ppd").string() + "'", 1, "none.ppd"},
                {"--ppd '" + junk + "'", 1, "junk.ppd"},
                {"--session '" + damaged + "'", 1, "damaged.session"},
