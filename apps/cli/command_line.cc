@@ -1,14 +1,18 @@
 #include "command_line.h"
 
+#include <algorithm>
+#include <charconv>
 #include <iostream>
+#include <system_error>
 #include <string_view>
 
 namespace varno::cli {
 
 const char* const kUsage =
-    "usage: varno-print [--ppd FILE | -P QUEUE [-h SERVER[:PORT]]] [setting options]\n"
+    "usage: varno-print [--ppd FILE | -P QUEUE[/INSTANCE] [-h SERVER[:PORT]]] [setting options]\n"
+    "                   [-o KEY=VALUE]... [-n COPIES] [-t TITLE]\n"
     "                   [--ticket IN.plist | --ticket-from-defaults] [--save-ticket OUT.plist]\n"
-    "                   [-o KEY=VALUE]... [--summary] [--list] [--dry-run] [--save-defaults]\n"
+    "                   [--summary] [--list] [--dry-run] [--save-defaults]\n"
     "                   [--session FILE] [--save FILE] [--bundle-path DIR] [-v] [FILE...]\n"
     "\n"
     "Loads the Varno plug-in bundle, opens the Print dialog on a printer and makes the\n"
@@ -17,7 +21,9 @@ const char* const kUsage =
     "XML property list.\n"
     "\n"
     "  --ppd FILE               the printer described by this PPD file\n"
-    "  -P, -d, --queue QUEUE    this CUPS queue (its PPD is fetched from the scheduler)\n"
+    "  -P, -d, --queue QUEUE    this CUPS queue (its PPD is fetched from the scheduler);\n"
+    "                           QUEUE/INSTANCE names a saved set of options of it, which\n"
+    "                           a job starts from unless --ticket or --session is given\n"
     "  -h, --server HOST[:PORT] the scheduler of -P (default: CUPS_SERVER or the usual one)\n"
     "  --ticket IN.plist        start from a print-settings ticket saved earlier\n"
     "  --ticket-from-defaults   start from the defaults saved for the queue (-P)\n"
@@ -30,6 +36,8 @@ const char* const kUsage =
     "  --session FILE           start from a whole session saved with --save\n"
     "  --save FILE              save the whole session (printer and tickets) to FILE\n"
     "  --bundle-path DIR        look for the plug-in bundle in DIR first\n"
+    "  -n, --copies COPIES      print COPIES copies (1 to 9999)\n"
+    "  -t, --title TITLE        name the job TITLE (default: the first file's name)\n"
     "  -o KEY=VALUE             choose VALUE for the printer's PPD option KEY before the\n"
     "                           dialog opens, as a ticket holding it would (repeatable)\n"
     "  -v, --verbose            say which printer and plug-in are used, and what was saved\n"
@@ -45,6 +53,9 @@ const char* const kUsage =
     "ones). Without --ppd, -P or --session the bundled sample printer is used.\n"
     "Exit status: 0 done, 1 failed (the message says why), 2 the command line is wrong.\n";
 
+// The scheduler's default limit on copies (MaxCopies in cupsd.conf).
+constexpr int kMaxCopies = 9999;
+
 std::optional<Options> ParseArguments(int argc, char** argv) {
   Options options;
   const std::vector<std::pair<std::string_view, std::optional<std::string>*>> valued = {
@@ -53,7 +64,8 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
       {"--server", &options.server},   {"-h", &options.server},
       {"--ticket", &options.ticket},   {"--save-ticket", &options.saveTicket},
       {"--session", &options.session}, {"--save", &options.save},
-      {"--bundle-path", &options.bundlePath}};
+      {"--bundle-path", &options.bundlePath}, {"-t", &options.title},
+      {"--title", &options.title}};
   const std::vector<std::pair<std::string_view, bool*>> flags = {
       {"--summary", &options.summary},         {"--list", &options.list},
       {"--dry-run", &options.dryRun},          {"--save-defaults", &options.saveDefaults},
@@ -102,8 +114,9 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
     for (const auto& [valuedName, target] : valued)
       if (name == valuedName) slot = target;
     const bool ppdChoice = name == "-o";
+    const bool copies = name == "-n" || name == "--copies";
     const SettingOption* setting = name.starts_with("--") ? FindSettingOption(name.substr(2)) : nullptr;
-    if (!slot && !setting && !ppdChoice) return usage("unknown option '" + std::string(name) + "'");
+    if (!slot && !setting && !ppdChoice && !copies) return usage("unknown option '" + std::string(name) + "'");
     std::string value;
     if (attached) value = *attached;
     else if (i + 1 < argc) value = argv[++i];
@@ -111,6 +124,13 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
 
     if (setting) {
       options.settings.emplace_back(setting, value);
+    } else if (copies) {
+      int count = 0;
+      const auto [end, fault] = std::from_chars(value.data(), value.data() + value.size(), count);
+      if (fault != std::errc() || end != value.data() + value.size() || count < 1 || count > kMaxCopies)
+        return usage(std::string(name) + " takes a number of copies from 1 to " +
+                     std::to_string(kMaxCopies) + ", not '" + value + "'");
+      options.copies = count;
     } else if (ppdChoice) {
       const std::size_t equals = value.find('=');
       if (equals == 0 || equals == std::string::npos || equals + 1 == value.size())
@@ -121,6 +141,10 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
     }
   }
   if (options.ppd && options.queue) return usage("give --ppd or -P, not both");
+  if (options.queue && options.queue->find('/') != std::string::npos &&
+      (options.queue->front() == '/' || options.queue->back() == '/' ||
+       std::count(options.queue->begin(), options.queue->end(), '/') > 1))
+    return usage("-P takes QUEUE or QUEUE/INSTANCE, not '" + *options.queue + "'");
   if (options.server && !options.queue) return usage("-h goes with -P");
   if (options.ticket && options.ticketFromDefaults)
     return usage("give --ticket or --ticket-from-defaults, not both");

@@ -11,7 +11,10 @@
 namespace varno::cli {
 
 struct Options {
+  // queue: "QUEUE" or "QUEUE/INSTANCE", as -P or -d gave it.
   std::optional<std::string> ppd, queue, server, ticket, saveTicket, session, save, bundlePath;
+  std::optional<std::string> title;  // -t: the job's name
+  std::optional<int> copies;         // -n
   bool summary = false;
   bool list = false;
   bool dryRun = false;

@@ -5,6 +5,7 @@
 // CUPS queue, or keeps it as the queue's defaults.
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -20,6 +21,7 @@
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
 #include "platform/print/framework_driver.h"
+#include "platform/print/framework_keys.h"
 #include "platform/print/job_options.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"
@@ -83,7 +85,8 @@ std::unique_ptr<print::Session> OpenSession(const Options& options, std::string&
     session->setDataItem(print::kPrintSettingsTicket, *ticket);
   }
   if (options.ppd) session->setPrinterPPD(*options.ppd);
-  else if (options.queue) session->setPrinterQueue(*options.queue, options.server.value_or(""));
+  else if (options.queue)
+    session->setPrinterQueue(print::SplitDestination(*options.queue).queue, options.server.value_or(""));
   else if (session->printer().kind == print::Printer::Kind::None)
     session->setPrinterPPD(SamplePPD().string());
   return session;
@@ -159,6 +162,31 @@ int ApplyPPDChoices(const Options& options, const cli::PPDDefaults& ppd, print::
     choices.set(option->first, choice->keyword);
   }
   return 0;
+}
+
+// Where the job's name comes from: -t, else the first file printed.
+std::optional<std::string> JobTitle(const Options& options) {
+  if (options.title) return options.title;
+  if (!options.files.empty()) return std::filesystem::path(options.files.front()).filename().string();
+  return std::nullopt;
+}
+
+// The job's name and copies go into the ticket as the printing framework records them,
+// before the dialog opens, so the panels see them as in any application's dialog.
+void AddJobInfo(const Options& options, print::Session& session) {
+  print::Ticket ticket = session.printSettings();
+  if (std::optional<std::string> title = JobTitle(options))
+    ticket.setValue(print::kJobNameKey, *title, print::kFrameworkClient);
+  if (options.copies)
+    ticket.setValue(print::kCopiesKey, std::int64_t{*options.copies}, print::kFrameworkClient);
+}
+
+// A named instance is a saved preset: a job on it starts from its options, as lp's does,
+// unless the job brings its own ticket or is about to become the preset.
+bool StartsFromDefaults(const Options& options) {
+  if (options.ticketFromDefaults) return true;
+  return options.queue && !print::SplitDestination(*options.queue).instance.empty() &&
+         !options.ticket && !options.session && !options.saveDefaults;
 }
 
 std::string SummaryText(print::FrameworkDriver& driver) {
@@ -244,20 +272,22 @@ int Deliver(const Options& options, print::Session& session) {
   }
   std::optional<std::vector<print::JobOption>> jobOptions = print::TicketToJobOptions(ticket, &error);
   if (!jobOptions) return Fail("the ticket cannot become job options: " + error);
-  const std::string queue = options.queue.value_or("");
+  const std::string destination = options.queue.value_or("");
+  const std::string queue = print::SplitDestination(destination).queue;
   const std::string server = options.server.value_or("");
 
   if (options.saveDefaults) {
-    if (!print::SaveQueueDefaults(queue, server, *jobOptions, &error)) return Fail(error);
-    Say("the ticket is now the default of queue " + queue);
+    if (!print::SaveQueueDefaults(destination, server, *jobOptions, &error)) return Fail(error);
+    Say("the ticket is now the default of " + destination);
   }
+  // The scheduler prints copies itself; the ticket's entry tells the panels.
+  if (options.copies) jobOptions->push_back({"copies", std::to_string(*options.copies)});
   if (options.dryRun) {
     for (const print::JobOption& option : *jobOptions)
       std::cout << option.name << "=" << option.value << "\n";
   } else if (!options.files.empty()) {
     const std::vector<std::filesystem::path> files(options.files.begin(), options.files.end());
-    const std::string title = files.front().filename().string();
-    const int job = print::SubmitJob(queue, server, files, *jobOptions, title, &error);
+    const int job = print::SubmitJob(queue, server, files, *jobOptions, JobTitle(options).value_or(""), &error);
     if (job == 0) return Fail(error);
     // As lp says it, on standard output, so scripts written for lp read it the same way.
     std::cout << "request id is " << queue << "-" << job << " (" << files.size() << " file(s))\n";
@@ -276,9 +306,10 @@ int Run(const Options& options) {
   if (!session) return Fail(error);
   cli::PPDDefaults ppd;
   if (int status = ReadPrinter(*session, ppd)) return status;
-  if (options.ticketFromDefaults)
+  if (StartsFromDefaults(options))
     if (int status = ApplyQueueDefaults(options, ppd, *session)) return status;
   AddPrinterDefaults(ppd, *session);
+  AddJobInfo(options, *session);
   if (int status = ApplyPPDChoices(options, ppd, *session)) return status;
   if (int status = RunDialog(options, ppd, *session)) return status;
   return Deliver(options, *session);

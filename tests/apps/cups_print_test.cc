@@ -17,6 +17,7 @@
 #include "platform/print/ppd_calls.h"
 #include "platform/print/ticket.h"
 #include "support/private_scheduler.h"
+#include "support/temp_dir.h"
 
 // libcups 2.4.2 loses the "sides" strings of the PPD cache that cupsMarkOptions builds
 // when a job carries a standard option such as print-color-mode (lp sends it); ppdClose
@@ -234,6 +235,39 @@ TEST_F(CupsPrint, SavedDefaultsReachPlainLpJobsAndReadBack) {
   ExpectSameEntries(EntriesOf(ticket), EntriesOf(reread));
   EXPECT_TRUE(reread.ppdDictionary() == ticket.ppdDictionary())
       << Xml(reread.ppdDictionary()) << "differs from\n" << Xml(ticket.ppdDictionary());
+}
+
+// A preset as lp users keep one: an lpoptions instance of the queue that every application
+// lists as a printer, made by --save-defaults, used by plain lp jobs and by varno-print.
+TEST_F(CupsPrint, SavedInstancesAreQueuesOfTheirOwnForLpAndVarnoPrint) {
+  const std::string preset = std::string(kQueue) + "/booklet";
+  const fs::path saved = scheduler_.root() / "preset.plist";
+  const ProgramRun save = varnoPrint({"--save-defaults", "-P", preset, "--image-quality=HighSpeed",
+                                      "--save-ticket", saved});
+  ASSERT_EQ(save.status, 0) << save.err;
+  const print::Ticket ticket = LoadTicket(saved);
+  const ProgramRun lpstat = scheduler_.run({"lpstat", "-p"});
+  EXPECT_NE(lpstat.out.find(std::string("printer ") + kQueue + " "), std::string::npos) << lpstat.out;
+  const ProgramRun lpoptions = scheduler_.run({"lpoptions", "-p", preset});
+  EXPECT_NE(lpoptions.out.find("VNOutputMode=HighSpeed"), std::string::npos) << lpoptions.out;
+  EXPECT_NE(lpoptions.out.find("ticket-entries-1="), std::string::npos) << lpoptions.out;
+  EXPECT_EQ(scheduler_.run({"lpoptions", "-p", kQueue}).out.find("VNOutputMode=HighSpeed"), std::string::npos)
+      << "the queue itself keeps its own defaults";
+
+  const ProgramRun lp = scheduler_.run({"lp", "-d", preset, document_});
+  ASSERT_EQ(lp.status, 0) << lp.err;
+  ExpectJobCarries(lp, ticket, false);
+
+  // varno-print on the preset starts from it; -n and -t reach the job and the ticket.
+  const fs::path used = scheduler_.root() / "used.plist";
+  const ProgramRun run = varnoPrint({"-d", preset, "-n", "2", "-t", "Preset job", "--save-ticket", used, document_});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const print::Ticket usedTicket = LoadTicket(used);
+  EXPECT_EQ(usedTicket.ppdDictionary().getString("VNOutputMode"), "HighSpeed");
+  EXPECT_EQ(usedTicket.string("com.apple.print.JobInfo.PMJobName"), "Preset job");
+  ExpectJobCarries(run, usedTicket, false);
+  const int job = std::atoi(run.out.c_str() + run.out.find('-', run.out.find(kQueue)) + 1);
+  EXPECT_EQ(testing::ReadAll(scheduler_.recordedTitleAndCopies(job)), "Preset job\n2");
 }
 
 // Status 1, nothing on standard output and a last line on standard error naming the culprit;

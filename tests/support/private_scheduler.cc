@@ -143,6 +143,7 @@ bool PrivateScheduler::start(std::string* error) {
     // to its end as a real filter would.
     WriteFile(t / "bin/filter/varno-record", "#!/bin/sh\nout='" + (t / "out").string() + "'\n" + R"(
 cp "$PPD" "$out/.job-$1.ppd" && mv "$out/.job-$1.ppd" "$out/job-$1.ppd"
+printf '%s\n%s' "$3" "$4" > "$out/job-$1.title-copies"
 printf '%s' "$5" > "$out/.options-$1.txt" && mv "$out/.options-$1.txt" "$out/options-$1.txt"
 if [ -n "$6" ]; then cat "$6"; else cat; fi > /dev/null
 )", fs::perms(0755));

@@ -36,6 +36,10 @@ class PrivateScheduler {
   // PPD (nullopt after 30 s), and the PPD; the error log's last errors and job lines.
   std::optional<std::string> recordedOptions(int job) const;
   std::filesystem::path recordedPPD(int job) const { return root_ / "out" / ("job-" + std::to_string(job) + ".ppd"); }
+  // The job's title and copies (argv[3] and argv[4]) as "TITLE\nCOPIES", recorded with the PPD.
+  std::filesystem::path recordedTitleAndCopies(int job) const {
+    return root_ / "out" / ("job-" + std::to_string(job) + ".title-copies");
+  }
   std::string errorLogDigest() const;
 
   // Runs `argv` (argv[0] looked up in PATH) to its end with CUPS_SERVER naming this

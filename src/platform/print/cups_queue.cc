@@ -39,19 +39,24 @@ class CupsOptions {
 
 // The user's destinations (queues with their saved options), freed with the object.
 class Destinations {
+  static const char* Instance(const Destination& name) {
+    return name.instance.empty() ? nullptr : name.instance.c_str();
+  }
+
  public:
   explicit Destinations(http_t* http) { count_ = cupsGetDests2(http, &dests_); }
   ~Destinations() { cupsFreeDests(count_, dests_); }
   Destinations(const Destinations&) = delete;
   Destinations& operator=(const Destinations&) = delete;
 
-  cups_dest_t* find(const std::string& queue) const {
-    return cupsGetDest(queue.c_str(), nullptr, count_, dests_);
+  cups_dest_t* find(const Destination& name) const {
+    return cupsGetDest(name.queue.c_str(), Instance(name), count_, dests_);
   }
-  cups_dest_t* findOrAdd(const std::string& queue) {
-    if (cups_dest_t* dest = find(queue)) return dest;
-    count_ = cupsAddDest(queue.c_str(), nullptr, count_, &dests_);
-    return find(queue);
+  // A new instance starts as a copy of its queue's options (libcups copies them).
+  cups_dest_t* findOrAdd(const Destination& name) {
+    if (cups_dest_t* dest = find(name)) return dest;
+    count_ = cupsAddDest(name.queue.c_str(), Instance(name), count_, &dests_);
+    return find(name);
   }
   int save(http_t* http) { return cupsSetDests2(http, count_, dests_); }
 
@@ -164,13 +169,21 @@ int SubmitJob(std::string_view queue, std::string_view server,
   return job;
 }
 
+Destination SplitDestination(std::string_view name) {
+  const std::size_t slash = name.find('/');
+  if (slash == std::string_view::npos) return {std::string(name), {}};
+  return {std::string(name.substr(0, slash)), std::string(name.substr(slash + 1))};
+}
+
 bool SaveQueueDefaults(std::string_view queue, std::string_view server,
                        const std::vector<JobOption>& options, std::string* error) {
   const std::string name(queue);
-  Connection http = Connect(queue, server, "to save the defaults of queue \"" + name + "\"", error);
+  const Destination destination = SplitDestination(queue);
+  Connection http = Connect(destination.queue, server,
+                            "to save the defaults of queue \"" + name + "\"", error);
   if (!http) return false;
   Destinations dests(http.get());
-  cups_dest_t* dest = dests.findOrAdd(name);
+  cups_dest_t* dest = dests.findOrAdd(destination);
   if (!dest) {
     if (error) *error = "cannot keep defaults for queue \"" + name + "\"";
     return false;
@@ -200,12 +213,18 @@ std::optional<std::vector<JobOption>> ReadQueueDefaults(std::string_view queue,
                                                         std::string_view server,
                                                         std::string* error) {
   const std::string name(queue);
-  Connection http = Connect(queue, server, "to read the defaults of queue \"" + name + "\"", error);
+  const Destination destination = SplitDestination(queue);
+  Connection http = Connect(destination.queue, server,
+                            "to read the defaults of queue \"" + name + "\"", error);
   if (!http) return std::nullopt;
   Destinations dests(http.get());
-  cups_dest_t* dest = dests.find(name);
+  cups_dest_t* dest = dests.find(destination);
   if (!dest) {
-    if (error) *error = "queue \"" + name + "\" is unknown to the scheduler";
+    if (error)
+      *error = destination.instance.empty()
+                   ? "queue \"" + name + "\" is unknown to the scheduler"
+                   : "queue \"" + destination.queue + "\" has no saved instance \"" +
+                         destination.instance + "\"; make one with --save-defaults -P " + name;
     return std::nullopt;
   }
   std::vector<JobOption> options;

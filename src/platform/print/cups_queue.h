@@ -21,14 +21,23 @@ int SubmitJob(std::string_view queue, std::string_view server,
               std::span<const std::filesystem::path> files, const std::vector<JobOption>& options,
               std::string_view title, std::string* error);
 
-// Stores `options` as the user's default options of the queue. Ticket entries saved
+// A destination as lp users name one: "QUEUE" or "QUEUE/INSTANCE", an instance being a
+// saved set of options that every application's print dialog shows as a printer of its own.
+struct Destination {
+  std::string queue;
+  std::string instance;  // empty: the queue itself
+};
+Destination SplitDestination(std::string_view name);
+
+// Stores `options` as the user's default options of the queue ("QUEUE/INSTANCE": of that
+// instance, made when it is new, starting from the queue's own saved options). Ticket entries saved
 // before (current and older form alike) and options named again are replaced, so the
 // defaults are exactly this ticket's; other saved options stay.
 bool SaveQueueDefaults(std::string_view queue, std::string_view server,
                        const std::vector<JobOption>& options, std::string* error);
 
-// The queue's default options as the user's jobs get them (saved options over the
-// scheduler's), or nullopt with a message.
+// The queue's (or "QUEUE/INSTANCE"'s) default options as the user's jobs get them (saved
+// options over the scheduler's), or nullopt with a message.
 std::optional<std::vector<JobOption>> ReadQueueDefaults(std::string_view queue,
                                                         std::string_view server,
                                                         std::string* error);
