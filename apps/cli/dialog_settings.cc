@@ -7,6 +7,7 @@
 #include "panels/image_options/advanced_panel.h"
 #include "panels/image_options/image_options_panel.h"
 #include "platform/plist/text.h"
+#include "platform/status_text.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/menu.h"
 
@@ -100,7 +101,7 @@ bool DialogSettings::showPanelOf(Control& control, std::string* error) {
   }
   if (pane->isShown()) return true;
   const OSStatus status = toolkit::ChooseMenuItem(*selector, pane->id().id);
-  if (status != noErr && error) *error = "the dialog refused to show the panel (" + std::to_string(status) + ")";
+  if (status != noErr && error) *error = "the dialog could not show the panel: " + StatusMessage(status);
   return status == noErr;
 }
 
@@ -131,8 +132,8 @@ ApplyResult DialogSettings::apply(const SettingOption& option, std::string_view 
     status = toolkit::Click(*control);  // a check box toggles
   if (status != noErr) {
     if (error)
-      *error = "--" + std::string(option.name) + ": the dialog refused the choice (" +
-               std::to_string(status) + ")";
+      *error = "--" + std::string(option.name) + ": the dialog refused the choice: " +
+               StatusMessage(status);
     return ApplyResult::Failed;
   }
   return ApplyResult::Applied;

@@ -1,16 +1,14 @@
 #include "platform/print/framework_driver.h"
 
+#include "platform/status_text.h"
+
 #include <cstdio>
 #include <utility>
 
 namespace varno::print {
 namespace {
 
-std::string StatusText(std::int32_t status) {
-  char text[48];
-  std::snprintf(text, sizeof text, "%d (0x%08X)", status, static_cast<unsigned>(status));
-  return text;
-}
+std::string StatusText(std::int32_t status) { return StatusMessage(status); }
 
 }  // namespace
 

@@ -76,14 +76,19 @@ Connection ConnectToScheduler(const Endpoint& endpoint, std::string_view purpose
             LastCupsError("unknown host");
     return nullptr;
   }
-  errno = 0;
+  // Made without connecting (a time limit of 0), then connected here, so the connection
+  // keeps the socket's own reason ("Connection refused") when the connect fails: the
+  // errno left after httpConnect2 comes from its clean-up, not from the connect.
   Connection http(httpConnect2(endpoint.host.c_str(), endpoint.port, addresses.get(), AF_UNSPEC,
-                               cupsEncryption(), 1, kConnectTimeoutMilliseconds, nullptr));
-  if (!http) {
-    // The socket's own reason ("Connection refused"); libcups' last error may be stale here.
-    const int reason = errno;
-    error = "cannot reach " + endpoint.shown + " " + std::string(purpose) + ": " +
-            (reason ? std::strerror(reason) : LastCupsError("no answer"));
+                               cupsEncryption(), 1, 0, nullptr));
+  if (!http || httpReconnect2(http.get(), kConnectTimeoutMilliseconds, nullptr) != 0) {
+    const int reason = http ? httpError(http.get()) : ENOMEM;
+    // libcups reports a connection that every address refused as EHOSTDOWN.
+    const std::string why = reason == EHOSTDOWN ? "nothing accepts connections there"
+                            : reason            ? std::strerror(reason)
+                                                : LastCupsError("no answer");
+    error = "cannot reach " + endpoint.shown + " " + std::string(purpose) + ": " + why +
+            "; is the CUPS scheduler running there, and is the address right?";
     return nullptr;
   }
   httpSetTimeout(http.get(), kReplyTimeoutSeconds, GiveUp, nullptr);

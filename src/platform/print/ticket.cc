@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "platform/plist/file.h"
+#include "platform/status_text.h"
 
 namespace varno::print {
 
@@ -365,7 +366,7 @@ std::optional<Ticket> Parse(const plist::Dictionary& form, int depth, const Wher
       status = ticket.setValue(key, value->deepCopy(), *client->asString(), isLocked);
     }
     if (status != noErr) {  // unreachable for well-formed dictionaries; kept as a guard
-      error = at() + "could not be stored (status " + std::to_string(status) + ")";
+      error = at() + "could not be stored: " + StatusMessage(status);
       return std::nullopt;
     }
   }

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "platform/plist/file.h"
+#include "platform/status_text.h"
 #include "platform/toolkit/list_view.h"
 
 namespace varno::toolkit {
@@ -217,7 +218,7 @@ class Builder {
 
     OSStatus status = noErr;
     Control* embedded = parent.embed(std::move(owned), &status);
-    if (!embedded) return fail("cannot be embedded (" + std::to_string(status) + ")");
+    if (!embedded) return fail("cannot be embedded: " + StatusMessage(status));
     if (isDefault) window.setDefaultButton(embedded);
     if (isCancel) window.setCancelButton(embedded);
     return buildChildren(d, *embedded, window);

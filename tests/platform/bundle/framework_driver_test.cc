@@ -141,7 +141,8 @@ TEST_F(FrameworkDriverTest, AFailedStepKeepsTheStageAndCanBeRetried) {
     ASSERT_EQ(driver.loadFromPath(kTestBundle), noErr);
     failNext("Prologue", paramErr);
     EXPECT_EQ(driver.prologue(), paramErr);
-    EXPECT_THAT(driver.error(), HasSubstr("Prologue failed"));
+    EXPECT_THAT(driver.error(), HasSubstr("Prologue failed: a value it was given is missing or "
+                                          "out of range (status -50)"));
     EXPECT_EQ(driver.stage(), Stage::Loaded);
     EXPECT_EQ(driver.prologue(), noErr);
     EXPECT_EQ(driver.initialize(&session), noErr);
