@@ -36,7 +36,9 @@ struct Scratch {
 
 bool SameDate(double a, double b, Fidelity fidelity) {
   if (a == b || (std::isnan(a) && std::isnan(b))) return true;
-  return fidelity == Fidelity::WholeSeconds && std::fabs(a - b) < 1.0;
+  // The XML form keeps the whole second at or before; a difference taken in doubles would
+  // round to exactly 1 for a date a hair before a whole second.
+  return fidelity == Fidelity::WholeSeconds && b == std::floor(a);
 }
 
 }  // namespace

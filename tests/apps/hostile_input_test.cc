@@ -112,6 +112,7 @@ const std::map<std::string, Case> kCases = {
     {"plist-invalid-utf8-binary-damaged.plist", {Expect::Refused, Expect::Refused, false}},
     {"plist-invalid-utf8-binary-truncated.plist", {Expect::Refused, Expect::Refused, false}},
     {"plist-nul-in-string-abort.plist", {Expect::Refused, Expect::Refused, false}},
+    {"plist-binary-date-just-before-a-second-xml-round-trip.bplist", {Expect::Refused, Expect::Refused, true}},
     {"ppd-duplicate-option-readppddefaults-endless-loop.ppd", {Expect::Refused, Expect::Refused, false}},
     {"ppd-duplicate-custompagesize-libcups-leak.ppd", {Expect::Refused, Expect::Refused, false}},
     {"ticket-binary-date-2100-becomes-1932.bplist", {Expect::Used, Expect::Refused, true}},
