@@ -18,9 +18,6 @@
 #include "vocabulary/installable_options.h"
 #include "vocabulary/ppd_access.h"
 
-#ifndef VARNO_INSTALL_BUNDLE_DIR
-#error "VARNO_INSTALL_BUNDLE_DIR must be defined by the build"
-#endif
 
 namespace varno::host {
 
@@ -148,7 +145,8 @@ void LoadBuiltInPanels(DialogHostContext* host) {
     if (!name) break;
     bundle::BundleRef source = host->bundle;
     if (std::strcmp(name, kColorOptionGetterName) == 0)
-      source = bundle::Bundle::Open(VARNO_INSTALL_BUNDLE_DIR "/PDEs/ColorOptions.plugin");
+      if (std::optional<std::filesystem::path> installed = bundle::InstalledBundleFolder())
+        source = bundle::Bundle::Open(*installed / "PDEs/ColorOptions.plugin");
 
     PanelRecord record;
     bool loaded = false;

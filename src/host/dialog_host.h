@@ -85,7 +85,7 @@ inline constexpr std::int32_t kDownButtonID = 1967;
 inline constexpr OSType kPanelPaneSignature = MakeOSType("VSgb");
 inline constexpr const char* kPDEKind = "com.varno.print.pde.varnofeatureskind";
 // A table entry with this name is looked up in the colour-options plug-in installed at
-// <install bundle dir>/PDEs/ColorOptions.plugin (VARNO_INSTALL_BUNDLE_DIR), not in ours.
+// <installed bundle folder>/PDEs/ColorOptions.plugin (bundle::InstalledBundleFolder), not in ours.
 inline constexpr const char* kColorOptionGetterName = "GetColorOptionPanelInterface";
 
 inline constexpr std::size_t kPanelTableCapacity = 10;

@@ -9,12 +9,6 @@
 
 #include "platform/plist/file.h"
 
-#ifndef VARNO_INSTALL_BUNDLE_DIR
-#error "VARNO_INSTALL_BUNDLE_DIR must be defined by the build"
-#endif
-#ifndef VARNO_BUILD_BUNDLE_DIR
-#error "VARNO_BUILD_BUNDLE_DIR must be defined by the build"
-#endif
 
 namespace fs = std::filesystem;
 
@@ -97,10 +91,20 @@ std::vector<fs::path> BundleSearchPath() {
   if (const char* extra = std::getenv(kBundlePathVariable)) {
     for (std::string& folder : SplitColons(extra)) path.emplace_back(std::move(folder));
   }
-  for (const char* folder : {VARNO_INSTALL_BUNDLE_DIR, VARNO_BUILD_BUNDLE_DIR}) {
-    if (*folder) path.emplace_back(folder);
-  }
+  if (std::optional<fs::path> installed = InstalledBundleFolder()) path.push_back(*installed);
   return path;
+}
+
+std::optional<fs::path> InstalledBundleFolder() {
+  // The bundles are installed beside this library, wherever the package put both, so no
+  // path is compiled in and an installed tree can be moved whole.
+  Dl_info info{};
+  if (::dladdr(reinterpret_cast<void*>(&InstalledBundleFolder), &info) == 0 || !info.dli_fname)
+    return std::nullopt;
+  std::error_code ec;
+  fs::path library = fs::canonical(info.dli_fname, ec);
+  if (ec) return std::nullopt;
+  return library.parent_path();
 }
 
 std::vector<std::string> PreferredLanguages() {

@@ -36,9 +36,13 @@ using BundleRef = std::shared_ptr<Bundle>;
 inline constexpr const char* kBundlePathVariable = "VARNO_BUNDLE_PATH";
 
 // The folders searched for bundles, in order: every folder of VARNO_BUNDLE_PATH, then the
-// install location, then the build tree. The override comes first so that a user or a
-// test can run a development build of a bundle that is also installed.
+// install location. The override comes first so that a user or a test can run a
+// development build of a bundle that is also installed; a run in the build tree finds the
+// bundles only through it (the scripts and tests set it).
 std::vector<std::filesystem::path> BundleSearchPath();
+// Where bundles are installed: the folder that holds this platform library
+// (<libdir>/varno once installed). nullopt when the library cannot find itself.
+std::optional<std::filesystem::path> InstalledBundleFolder();
 
 // The user's preferred languages from the locale environment, most preferred first, as
 // "de_DE" or "de" (codeset and modifier dropped). The locale is the first non-empty of

@@ -50,9 +50,12 @@ TEST_F(BundleTest, IsFoundByIdentifierOnTheSearchPath) {
 
   ScopedEnv path{{kBundlePathVariable, "/first::/second:"}};
   std::vector<std::filesystem::path> search = BundleSearchPath();
-  ASSERT_EQ(search.size(), 4u);  // the two overrides, the install folder, the build tree
+  ASSERT_EQ(search.size(), 3u);  // the two overrides, then the install folder
   EXPECT_EQ(search[0], "/first");
   EXPECT_EQ(search[1], "/second");
+  EXPECT_EQ(search[2], InstalledBundleFolder()) << "no build-tree folder is compiled in";
+  EXPECT_TRUE(std::filesystem::exists(*InstalledBundleFolder() / "libvarno-platform.so"))
+      << "bundles are installed beside the platform library";
 }
 
 TEST_F(BundleTest, ABundleOpenInTheProcessIsFoundByIdentifierOffTheSearchPath) {
