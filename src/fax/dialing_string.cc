@@ -2,6 +2,8 @@
 
 namespace varno::fax {
 
+using print::CFIndex;
+
 const CharacterSet& kFaxDialingCharacterSet() {
   static const CharacterSet set(kFaxDialingCharacters);
   return set;

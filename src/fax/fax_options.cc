@@ -4,6 +4,10 @@
 
 namespace varno::fax {
 
+using print::CFDictionaryGetNumber;
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+
 int FaxSendSpeedItemFromOptions(const plist::Dictionary& options) {
   CFIndex speed = kFaxDefaultSendSpeed;
   CFDictionaryGetNumber(options, kFaxSendSpeedProperty, &speed);

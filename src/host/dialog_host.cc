@@ -11,7 +11,7 @@
 #include "host/host_ticket_entries.h"
 #include "host/pde_bundle.h"
 #include "host/plugin_entry.h"
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/interface_file.h"
 #include "vocabulary/device_profile.h"
@@ -23,6 +23,10 @@
 #endif
 
 namespace varno::host {
+
+using print::GetCurrentPrintSession;
+using print::GetTicketFromSession;
+using print::SetCurrentPrintSession;
 
 const char* PanelInterfaces[kPanelTableCapacity + 1] = {
     "GetPaperOutputPanelInterface",

@@ -3,10 +3,16 @@
 #include <cmath>
 #include <string_view>
 
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using print::CFDictionaryGetNumber;
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+using print::WriteTicketValue;
+
 namespace {
 
 constexpr const char* kOptionKey = "Option";

@@ -1,9 +1,15 @@
 #include "model/special_pages.h"
 
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+using print::GetCFIndexFromCFDictionary;
+using print::WriteTicketValue;
+
 namespace {
 
 constexpr const char* kStartPageKey = "StartPage";

@@ -2,11 +2,16 @@
 
 #include <string_view>
 
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "platform/plist/text.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using print::CFDictionaryGetNumber;
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+
 namespace {
 
 // Tab stocks of these types come in sets, so only they carry a modulus.

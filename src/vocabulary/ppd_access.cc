@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "host/pde_bundle.h"
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/choice_maps.h"
 #include "platform/print/ppd_calls.h"
 
@@ -83,7 +83,7 @@ std::optional<std::string> ToUTF8(const char* text, PPDEncoding encoding) {
 
 ppd_file_t* PPDGetCurrent() {
   if (gCurrentPPD) return gCurrentPPD;
-  print::Session* session = GetCurrentPrintSession();
+  print::Session* session = print::GetCurrentPrintSession();
   if (!session) return nullptr;
   std::optional<std::filesystem::path> path = session->ppdPath();
   if (!path) return nullptr;

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "host/image_manager.h"
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/automation.h"
@@ -169,10 +169,10 @@ TEST(MediaLimits, ComeFromTheSharedPPDOrTheFixedDefaults) {
 
   print::Session session;
   session.setPrinterPPD((kResources / "ppd/Varno-AT120A.ppd").string());
-  SetCurrentPrintSession(&session);
+  print::SetCurrentPrintSession(&session);
   GetMediaLimits(&minW, &minH, &maxW, &maxH);
   PPDCloseCurrent();
-  SetCurrentPrintSession(nullptr);
+  print::SetCurrentPrintSession(nullptr);
   EXPECT_EQ((std::vector<float>{minW, minH, maxW, maxH}), (std::vector<float>{216, 360, 907, 1368}));
 }
 

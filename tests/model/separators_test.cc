@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"
 #include "vocabulary/ppd_access.h"
@@ -19,12 +19,12 @@ class Separators : public ::testing::Test {
  protected:
   void SetUp() override {
     session_.setPrinterPPD(VARNO_TEST_DATA_DIR "/../../resources/ppd/Varno-AT120A.ppd");
-    SetCurrentPrintSession(&session_);
+    print::SetCurrentPrintSession(&session_);
     ticket_ = session_.printSettings();
   }
   void TearDown() override {
     PPDCloseCurrent();
-    SetCurrentPrintSession(nullptr);
+    print::SetCurrentPrintSession(nullptr);
   }
   void Choose(const char* keyword, const char* choice) {
     ticket_.ppdDictionary().set(keyword, plist::Value(choice));

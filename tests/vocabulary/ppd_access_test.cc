@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "host/pde_bundle.h"
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "platform/toolkit/control.h"
 #include "support/bundle_folder.h"
 #include "support/temp_dir.h"
@@ -287,7 +287,7 @@ TEST_F(InstalledOptions, FirstSatisfiedRowGivesTicketValueAndLabel) {
 TEST(CurrentPPD, OpensTheSessionPrintersPPDOnceAndAgainAfterClosing) {
   print::Session session;
   EXPECT_EQ(PPDGetCurrent(), nullptr);  // no session
-  SetCurrentPrintSession(&session);
+  print::SetCurrentPrintSession(&session);
   session.setPrinterPPD((kFixtures / "Missing.ppd").string());
   EXPECT_EQ(PPDGetCurrent(), nullptr);
 
@@ -302,13 +302,13 @@ TEST(CurrentPPD, OpensTheSessionPrintersPPDOnceAndAgainAfterClosing) {
   ppd_file_t* other = PPDGetCurrent();
   EXPECT_TRUE(other && !PPDIsFromMaker(other));
   PPDCloseCurrent();
-  SetCurrentPrintSession(nullptr);
+  print::SetCurrentPrintSession(nullptr);
 }
 
 // A localizer plug-in inside the plug-in bundle localizes the shared PPD in place of libcups.
 TEST(CurrentPPD, IsLocalizedByTheBundlesLocalizerWhenItHasOne) {
   print::Session session;
-  SetCurrentPrintSession(&session);
+  print::SetCurrentPrintSession(&session);
   session.setPrinterPPD(kSample.string());
   const bundle::BundleRef saved = gBundle;
   const std::pair<std::filesystem::path, std::string> cases[] = {
@@ -325,7 +325,7 @@ TEST(CurrentPPD, IsLocalizedByTheBundlesLocalizerWhenItHasOne) {
     PPDCloseCurrent();
   }
   gBundle = saved;
-  SetCurrentPrintSession(nullptr);
+  print::SetCurrentPrintSession(nullptr);
 }
 
 }  // namespace

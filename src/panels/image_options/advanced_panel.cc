@@ -6,13 +6,17 @@
 
 #include "host/panel_ui.h"
 #include "host/pde_bundle.h"
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"
 #include "vocabulary/ppd_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::panels {
+
+using print::CFIndex;
+using print::GetTicketFromSession;
+
 namespace {
 
 using toolkit::Control;

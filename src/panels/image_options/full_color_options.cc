@@ -2,10 +2,15 @@
 
 #include <utility>
 
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "platform/plist/text.h"
 
 namespace varno::panels {
+
+using print::CFDictionaryGetNumber;
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+
 namespace {
 
 constexpr const char* kLightnessKey = "FCLightness";
