@@ -45,7 +45,7 @@ static void CheckLimitedField(std::int32_t minLength, std::int32_t maxLength,
   toolkit::Control* field =
       window->embed(toolkit::Control::create(toolkit::ControlKind::EditText, {10, 10, 200, 22}));
   fuzz::Check(field != nullptr, "no edit field");
-  const CharacterSet set(allowed);
+  const toolkit::CharacterSet set(allowed);
   LimitInputLengthAndCharacters(field, minLength, maxLength, allowed.empty() ? nullptr : &set);
   toolkit::PasteText(*field, pasted);
   const std::string text = field->text();

@@ -3,6 +3,7 @@
 namespace varno::fax {
 
 using print::CFIndex;
+using toolkit::CharacterSet;
 
 const CharacterSet& kFaxDialingCharacterSet() {
   static const CharacterSet set(kFaxDialingCharacters);

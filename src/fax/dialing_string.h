@@ -8,8 +8,8 @@
 
 #include "fax/fax_recipient.h"
 #include "fax/fax_recipient_list.h"
-#include "host/panel_ui.h"
 #include "platform/print/ticket_access.h"
+#include "platform/toolkit/character_set.h"
 
 namespace varno::fax {
 
@@ -25,7 +25,7 @@ inline constexpr print::CFIndex kFaxCreditCardMaxDigits = 16;
 inline constexpr print::CFIndex kFaxNumberMaxCharacters = 50;
 
 // The set of kFaxDialingCharacters, made once and shared by every field and check.
-const CharacterSet& kFaxDialingCharacterSet();
+const toolkit::CharacterSet& kFaxDialingCharacterSet();
 
 // The characters of `faxNumber` that are dialing characters, in their order; everything
 // else (blanks, brackets, "+", "-", lower case, any non-ASCII character) is dropped.
