@@ -4,7 +4,7 @@
 #include <memory>
 #include <new>
 
-#include "host/panel_ui.h"
+#include "ui/panel_ui.h"
 #include "host/pde_bundle.h"
 #include "platform/print/ticket_access.h"
 #include "platform/print/session.h"
@@ -13,6 +13,15 @@
 #include "vocabulary/setting_maps.h"
 
 namespace varno::panels {
+
+using ui::LoadPanelLayout;
+using ui::SetControlBestRect;
+using ui::SetLocalizedControlTitle;
+using ui::SetLocalizedStaticText;
+using ui::kAlignBottom;
+using ui::kAlignLeft;
+using ui::kAlignRight;
+using ui::kAlignTop;
 
 using print::GetTicketFromSession;
 

@@ -1,4 +1,4 @@
-#include "host/panel_ui.h"
+#include "ui/panel_ui.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@
 #include "support/temp_dir.h"
 #include "vocabulary/ppd_access.h"
 
-namespace varno {
+namespace varno::ui {
 namespace {
 
 using namespace varno::toolkit;
@@ -288,4 +288,4 @@ TEST(Pictures, AViewNamesOnlyAPictureTheBundleHas) {
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::ui

@@ -20,7 +20,7 @@
 #include "platform/toolkit/menu.h"
 #include "platform/toolkit/window.h"
 
-namespace varno {
+namespace varno::ui {
 
 // The creator of the limit properties and the class of the state events of a field.
 inline constexpr OSType kPanelUICreator = MakeOSType("VPDE");
@@ -159,4 +159,4 @@ OSStatus DrawImage(const bundle::BundleRef& bundle, const char* name, toolkit::C
 OSStatus DrawIconEventHandler(toolkit::EventHandlerCallRef call, toolkit::EventRef event,
                               void* bundle);
 
-}  // namespace varno
+}  // namespace varno::ui

@@ -1,4 +1,4 @@
-#include "host/panel_ui.h"
+#include "ui/panel_ui.h"
 
 #include <cmath>
 #include <cstdarg>
@@ -15,7 +15,7 @@
 #include "platform/toolkit/text_editing.h"
 #include "vocabulary/ppd_access.h"
 
-namespace varno {
+namespace varno::ui {
 
 using namespace toolkit;
 
@@ -455,4 +455,4 @@ OSStatus DrawIconEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef ev
   return eventNotHandledErr;
 }
 
-}  // namespace varno
+}  // namespace varno::ui
