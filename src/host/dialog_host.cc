@@ -9,8 +9,7 @@
 
 #include "fax/lan_fax_setup.h"
 #include "host/host_ticket_entries.h"
-#include "host/pde_bundle.h"
-#include "host/plugin_entry.h"
+#include "vocabulary/plugin_bundle.h"
 #include "platform/print/ticket_access.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/interface_file.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/dialog_host.h"
-#include "host/pde_bundle.h"
+#include "vocabulary/plugin_bundle.h"
 
 namespace varno::panels {
 namespace {

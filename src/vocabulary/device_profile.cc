@@ -1,6 +1,6 @@
 #include "vocabulary/device_profile.h"
 
-#include "host/pde_bundle.h"
+#include "vocabulary/plugin_bundle.h"
 #include "platform/plist/file.h"
 
 namespace varno {

@@ -10,7 +10,7 @@
 #include <system_error>
 #include <utility>
 
-#include "host/pde_bundle.h"
+#include "vocabulary/plugin_bundle.h"
 #include "platform/print/ticket_access.h"
 #include "vocabulary/choice_maps.h"
 #include "platform/print/ppd_calls.h"

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/pde_bundle.h"
+#include "vocabulary/plugin_bundle.h"
 #include "support/bundle_folder.h"
 #include "support/temp_dir.h"
 

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/pde_bundle.h"
+#include "vocabulary/plugin_bundle.h"
 #include "platform/print/ticket_access.h"
 #include "platform/toolkit/control.h"
 #include "support/bundle_folder.h"

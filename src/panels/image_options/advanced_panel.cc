@@ -5,7 +5,7 @@
 #include <new>
 
 #include "ui/panel_ui.h"
-#include "host/pde_bundle.h"
+#include "vocabulary/plugin_bundle.h"
 #include "platform/print/ticket_access.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"

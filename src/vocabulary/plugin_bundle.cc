@@ -1,6 +1,4 @@
-#include "host/pde_bundle.h"
-
-#include "host/plugin_entry.h"
+#include "vocabulary/plugin_bundle.h"
 
 namespace varno {
 
@@ -9,7 +7,7 @@ bundle::BundleRef gBundle;
 bundle::BundleRef GetPDEBundle() { return gBundle; }
 
 bundle::BundleRef FindPlugInBundle() {
-  return bundle::Bundle::FindByIdentifier(host::kPlugInBundleIdentifier);
+  return bundle::Bundle::FindByIdentifier(kPlugInBundleIdentifier);
 }
 
 }  // namespace varno

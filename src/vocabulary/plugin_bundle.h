@@ -1,10 +1,15 @@
 // The plug-in's own bundle, where its string tables, interface files, pictures and device
-// profile live.
+// profile live. Kept with the vocabulary, its lowest user: the device profile and the
+// shared PPD's localizer are read from it.
 #pragma once
 
 #include "platform/bundle/bundle.h"
 
 namespace varno {
+
+// The bundle identifier the plug-in finds itself by.
+inline constexpr const char* kPlugInBundleIdentifier =
+    "com.varno.print.pde.varnofeatures.at100_110_110A_120_120A";
 
 // Process-wide state: the plug-in bundle, set by the host's Prologue when it finds the
 // bundle by its identifier; null before. Main thread only.
