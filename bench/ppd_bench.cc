@@ -11,16 +11,22 @@
 #include <utility>
 #include <vector>
 
+#include "platform/print/ppd_calls.h"
 #include "platform/print/ticket_access.h"
+#include "ppd_baseline.h"
 #include "vocabulary/installable_options.h"
 #include "vocabulary/ppd_access.h"
-#include "platform/print/ppd_calls.h"
-#include "ppd_baseline.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace varno;
+using vocabulary::InstalledFeatures;
+using vocabulary::LoadInstallableOptions;
+using vocabulary::PPDCloseCurrent;
+using vocabulary::PPDGetCurrent;
+using vocabulary::UnloadInstallableOptions;
+using vocabulary::getInstalledFeature;
 
 constexpr const char* kCorpusDriver = "/usr/lib/cups/driver/postscript-hp";
 

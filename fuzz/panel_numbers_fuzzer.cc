@@ -9,11 +9,11 @@
 #include <memory>
 #include <string>
 
-#include "ui/panel_ui.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/text_editing.h"
 #include "platform/toolkit/window.h"
 #include "support.h"
+#include "ui/panel_ui.h"
 
 using namespace varno;
 

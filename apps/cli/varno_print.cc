@@ -15,7 +15,6 @@
 
 #include "command_line.h"
 #include "dialog_settings.h"
-#include "vocabulary/plugin_bundle.h"
 #include "platform/plist/file.h"
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
@@ -24,6 +23,7 @@
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"
 #include "ppd_defaults.h"
+#include "vocabulary/plugin_bundle.h"
 
 namespace {
 
@@ -193,10 +193,10 @@ int RunDialog(const Options& options, const cli::PPDDefaults& ppd, print::Sessio
   toolkit::Control* pane =
       window->embed(toolkit::Control::create(toolkit::ControlKind::UserPane, {0, 0, 500, 600}));
   print::FrameworkDriver driver;
-  if (driver.loadByIdentifier(kPlugInBundleIdentifier) != noErr) return Fail(driver.error());
+  if (driver.loadByIdentifier(vocabulary::kPlugInBundleIdentifier) != noErr) return Fail(driver.error());
   print::PMPDEVersion version{};
   driver.getAPIVersion(version);
-  Say(std::string("plug-in ") + kPlugInBundleIdentifier + " from " +
+  Say(std::string("plug-in ") + vocabulary::kPlugInBundleIdentifier + " from " +
       driver.bundle()->path().string() + " (interface " +
       std::to_string(version.buildVersionMajor) + "." + std::to_string(version.buildVersionMinor) + ")");
   if (driver.prologue() != noErr || driver.initialize(&session, pane) != noErr ||

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "platform/print/ticket_access.h"
 #include "platform/plist/value.h"
+#include "platform/print/ticket_access.h"
 
 namespace varno::fax {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "fax/fax_recipient.h"
-#include "platform/print/ticket_access.h"
 #include "platform/plist/value.h"
+#include "platform/print/ticket_access.h"
 
 namespace varno::fax {
 

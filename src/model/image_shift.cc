@@ -12,6 +12,7 @@ using print::CFDictionaryGetNumber;
 using print::CFDictionarySetNumber;
 using print::CFIndex;
 using print::WriteTicketValue;
+using vocabulary::kUnsetValue;
 
 namespace {
 

@@ -5,6 +5,13 @@
 #include "vocabulary/ppd_access.h"
 
 namespace varno::model {
+
+using vocabulary::PPDChoiceForTicketValue;
+using vocabulary::PPDCopyChoiceText;
+using vocabulary::PPDGetCurrent;
+using vocabulary::PPDGetTicketValueForChoiceOrDefault;
+using vocabulary::PPDSetCurrentChoiceForTicketValue;
+
 namespace {
 
 constexpr const char* kSeparatorOptionKeyword = "VNSlipSheetPrint";

@@ -9,6 +9,7 @@ using print::CFDictionarySetNumber;
 using print::CFIndex;
 using print::GetCFIndexFromCFDictionary;
 using print::WriteTicketValue;
+using vocabulary::kUnsetValue;
 
 namespace {
 

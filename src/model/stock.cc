@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "platform/print/ticket_access.h"
 #include "platform/plist/text.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
@@ -11,6 +11,7 @@ namespace varno::model {
 using print::CFDictionaryGetNumber;
 using print::CFDictionarySetNumber;
 using print::CFIndex;
+using vocabulary::kUnsetValue;
 
 namespace {
 

@@ -8,6 +8,9 @@
 #include "vocabulary/plugin_bundle.h"
 
 namespace varno::panels {
+
+using vocabulary::FindPlugInBundle;
+
 namespace {
 
 struct PlaceholderPanelContext {

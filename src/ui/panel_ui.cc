@@ -17,6 +17,8 @@
 
 namespace varno::ui {
 
+using vocabulary::PPDGetCurrent;
+
 using namespace toolkit;
 
 namespace {

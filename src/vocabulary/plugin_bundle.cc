@@ -1,6 +1,6 @@
 #include "vocabulary/plugin_bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
 
 bundle::BundleRef gBundle;
 
@@ -10,6 +10,6 @@ bundle::BundleRef FindPlugInBundle() {
   return bundle::Bundle::FindByIdentifier(kPlugInBundleIdentifier);
 }
 
-}  // namespace varno
+}  // namespace varno::vocabulary
 
-extern "C" varno::bundle::Bundle* GetPDEBundle() { return varno::gBundle.get(); }
+extern "C" varno::bundle::Bundle* GetPDEBundle() { return varno::vocabulary::gBundle.get(); }

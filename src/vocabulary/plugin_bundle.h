@@ -5,7 +5,7 @@
 
 #include "platform/bundle/bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
 
 // The bundle identifier the plug-in finds itself by.
 inline constexpr const char* kPlugInBundleIdentifier =
@@ -23,7 +23,7 @@ bundle::BundleRef GetPDEBundle();
 // table has its strings and interface files too. Null when there is none.
 bundle::BundleRef FindPlugInBundle();
 
-}  // namespace varno
+}  // namespace varno::vocabulary
 
 // The same, exported by name for code outside the plug-in (another panel bundle, a host),
 // borrowed: valid while the plug-in is loaded.

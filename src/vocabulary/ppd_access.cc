@@ -10,12 +10,14 @@
 #include <system_error>
 #include <utility>
 
-#include "vocabulary/plugin_bundle.h"
+#include "platform/print/ppd_calls.h"
 #include "platform/print/ticket_access.h"
 #include "vocabulary/choice_maps.h"
-#include "platform/print/ppd_calls.h"
+#include "vocabulary/plugin_bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
+
+namespace ppdcall = print::ppdcall;
 
 namespace {
 
@@ -213,4 +215,4 @@ bool PPDIsFromMaker(ppd_file_t* ppd) {
   return ppd && ppd->manufacturer && std::strcmp(ppd->manufacturer, "Varno") == 0;
 }
 
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -4,12 +4,12 @@
 #include <optional>
 #include <string>
 
-#include "platform/system/user_preferences.h"
 #include "platform/four_char_code.h"
 #include "platform/plist/value.h"
+#include "platform/system/user_preferences.h"
 #include "vocabulary/installable_options.h"
 
-namespace varno {
+namespace varno::vocabulary {
 
 namespace {
 
@@ -497,4 +497,4 @@ std::int32_t GetPopupButtonTicketValue(toolkit::Control* popup) {
   return ValueForRefCon(popup->menu()->item(static_cast<toolkit::MenuItemIndex>(selected))->refCon);
 }
 
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -19,9 +19,9 @@
 #include <thread>
 #include <vector>
 
-#include "platform/system/user_preferences.h"
 #include "panels/booklet_watermark/fax_image_store.h"
 #include "panels/booklet_watermark/watermark_store.h"
+#include "platform/system/user_preferences.h"
 #include "support/temp_dir.h"
 
 namespace varno {

@@ -14,6 +14,9 @@
 #include "vocabulary/plugin_bundle.h"
 
 namespace varno::host {
+
+using vocabulary::kPlugInBundleIdentifier;
+
 namespace {
 
 const std::filesystem::path kPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";

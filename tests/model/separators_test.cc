@@ -6,12 +6,15 @@
 #include <memory>
 #include <string>
 
-#include "platform/print/ticket_access.h"
 #include "platform/print/session.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/ppd_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using vocabulary::PPDCloseCurrent;
+
 namespace {
 
 // The sample printer is the session's, so the printer's default choices are at hand.

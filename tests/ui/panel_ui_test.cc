@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "host/image_manager.h"
-#include "platform/print/ticket_access.h"
 #include "platform/print/session.h"
+#include "platform/print/ticket_access.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/text_editing.h"
@@ -22,6 +22,9 @@
 #include "vocabulary/ppd_access.h"
 
 namespace varno::ui {
+
+using vocabulary::PPDCloseCurrent;
+
 namespace {
 
 using namespace varno::toolkit;

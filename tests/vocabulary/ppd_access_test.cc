@@ -14,16 +14,19 @@
 #include <utility>
 #include <vector>
 
-#include "vocabulary/plugin_bundle.h"
+#include "platform/print/ppd_calls.h"
 #include "platform/print/ticket_access.h"
 #include "platform/toolkit/control.h"
 #include "support/bundle_folder.h"
 #include "support/temp_dir.h"
 #include "vocabulary/choice_maps.h"
 #include "vocabulary/installable_options.h"
-#include "platform/print/ppd_calls.h"
+#include "vocabulary/plugin_bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
+
+namespace ppdcall = print::ppdcall;
+
 namespace {
 
 using toolkit::Control;
@@ -329,4 +332,4 @@ TEST(CurrentPPD, IsLocalizedByTheBundlesLocalizerWhenItHasOne) {
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <memory>
 
-#include "ui/panel_ui.h"
 #include "platform/toolkit/event.h"
 #include "platform/toolkit/interface_file.h"
 #include "platform/toolkit/window.h"
+#include "ui/panel_ui.h"
 
 namespace varno::panels {
 

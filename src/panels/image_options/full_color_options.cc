@@ -2,14 +2,15 @@
 
 #include <utility>
 
-#include "platform/print/ticket_access.h"
 #include "platform/plist/text.h"
+#include "platform/print/ticket_access.h"
 
 namespace varno::panels {
 
 using print::CFDictionaryGetNumber;
 using print::CFDictionarySetNumber;
 using print::CFIndex;
+using vocabulary::kUnsetValue;
 
 namespace {
 

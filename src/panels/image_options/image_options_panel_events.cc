@@ -1,6 +1,6 @@
-#include "ui/panel_ui.h"
 #include "panels/image_options/image_options_panel.h"
 #include "platform/toolkit/event.h"
+#include "ui/panel_ui.h"
 
 namespace varno::panels {
 

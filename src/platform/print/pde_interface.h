@@ -17,13 +17,10 @@
 
 #include "platform/bundle/plugin.h"
 #include "platform/bundle/uuid.h"
-#include "platform/plist/value.h"
 #include "platform/four_char_code.h"
+#include "platform/plist/value.h"
 #include "platform/status.h"
-
-namespace varno::toolkit {
-class Control;  // platform/toolkit/control.h; the interface only passes it
-}  // namespace varno::toolkit
+#include "platform/toolkit/control.h"
 
 namespace varno::print {
 
