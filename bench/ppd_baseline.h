@@ -15,14 +15,14 @@ namespace varno::bench {
 inline void BareOpenMarkClose(benchmark::State& state, const std::filesystem::path& ppd,
                               bool localize = false) {
   for (auto _ : state) {
-    ppd_file_t* file = ppdcall::OpenFile(ppd.c_str());
+    ppd_file_t* file = print::ppdcall::OpenFile(ppd.c_str());
     if (!file) {
       state.SkipWithError("cannot open the PPD");
       break;
     }
-    if (localize) ppdcall::Localize(file);
-    ppdcall::MarkDefaults(file);
-    ppdcall::Close(file);
+    if (localize) print::ppdcall::Localize(file);
+    print::ppdcall::MarkDefaults(file);
+    print::ppdcall::Close(file);
   }
   state.counters["file_bytes"] = static_cast<double>(std::filesystem::file_size(ppd));
 }

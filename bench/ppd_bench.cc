@@ -11,23 +11,29 @@
 #include <utility>
 #include <vector>
 
-#include "host/ticket_access.h"
+#include "platform/print/ppd_calls.h"
+#include "platform/print/ticket_access.h"
+#include "ppd_baseline.h"
 #include "vocabulary/installable_options.h"
 #include "vocabulary/ppd_access.h"
-#include "platform/print/ppd_calls.h"
-#include "ppd_baseline.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace varno;
+using vocabulary::InstalledFeatures;
+using vocabulary::LoadInstallableOptions;
+using vocabulary::PPDCloseCurrent;
+using vocabulary::PPDGetCurrent;
+using vocabulary::UnloadInstallableOptions;
+using vocabulary::getInstalledFeature;
 
 constexpr const char* kCorpusDriver = "/usr/lib/cups/driver/postscript-hp";
 
 void BM_SharedPPDWithInstallableOptions(benchmark::State& state, const fs::path& ppd) {
   print::Session session;
   session.setPrinterPPD(ppd.string());
-  SetCurrentPrintSession(&session);
+  print::SetCurrentPrintSession(&session);
   for (auto _ : state) {
     ppd_file_t* current = PPDGetCurrent();
     if (!current) {
@@ -39,7 +45,7 @@ void BM_SharedPPDWithInstallableOptions(benchmark::State& state, const fs::path&
     UnloadInstallableOptions();
     PPDCloseCurrent();
   }
-  SetCurrentPrintSession(nullptr);
+  print::SetCurrentPrintSession(nullptr);
   state.counters["file_bytes"] = static_cast<double>(fs::file_size(ppd));
 }
 

@@ -9,11 +9,11 @@
 #include <memory>
 #include <string>
 
-#include "host/panel_ui.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/text_editing.h"
 #include "platform/toolkit/window.h"
 #include "support.h"
+#include "ui/panel_ui.h"
 
 using namespace varno;
 
@@ -21,13 +21,13 @@ using namespace varno;
 static void CheckDigits(std::int64_t n) {
   std::string text = std::to_string(n);
   if (n < 0) text.erase(0, 1);
-  fuzz::Check(CountDigits(n) == static_cast<int>(text.size()), "CountDigits miscounts " + text);
+  fuzz::Check(ui::CountDigits(n) == static_cast<int>(text.size()), "CountDigits miscounts " + text);
 }
 
 // A number formatted with `decimals` decimals in English reads back within half a unit of
 // its last place.
 static void CheckDecimals(double value, int decimals) {
-  const std::string text = CreateLocalizedCFStringFromNumberWithDecimals(value, decimals, "en_US");
+  const std::string text = ui::CreateLocalizedCFStringFromNumberWithDecimals(value, decimals, "en_US");
   if (decimals < 0 || decimals > 15 || !std::isfinite(value) || std::fabs(value) >= 1e15) return;
   fuzz::Check(!text.empty(), "no text for a plain number");
   char* end = nullptr;
@@ -45,8 +45,8 @@ static void CheckLimitedField(std::int32_t minLength, std::int32_t maxLength,
   toolkit::Control* field =
       window->embed(toolkit::Control::create(toolkit::ControlKind::EditText, {10, 10, 200, 22}));
   fuzz::Check(field != nullptr, "no edit field");
-  const CharacterSet set(allowed);
-  LimitInputLengthAndCharacters(field, minLength, maxLength, allowed.empty() ? nullptr : &set);
+  const toolkit::CharacterSet set(allowed);
+  ui::LimitInputLengthAndCharacters(field, minLength, maxLength, allowed.empty() ? nullptr : &set);
   toolkit::PasteText(*field, pasted);
   const std::string text = field->text();
   if (maxLength > 0)

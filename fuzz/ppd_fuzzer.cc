@@ -15,6 +15,17 @@
 #include "vocabulary/ppd_access.h"
 
 using namespace varno;
+using vocabulary::CopyDeviceMimicFilename;
+using vocabulary::InstalledFeatures;
+using vocabulary::LoadInstallableOptions;
+using vocabulary::MainKeywordMap;
+using vocabulary::MainKeywordMapEntry;
+using vocabulary::PPDCopyChoiceText;
+using vocabulary::PPDCopyDefaultChoice;
+using vocabulary::PPDIsFromMaker;
+using vocabulary::PPDPopulateMenuWithChoices;
+using vocabulary::UnloadInstallableOptions;
+namespace ppdcall = print::ppdcall;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::filesystem::path file = fuzz::WriteScratchFile("input.ppd", fuzz::AsText(data, size));

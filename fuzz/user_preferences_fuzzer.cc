@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <optional>
 
-#include "host/user_preferences.h"
+#include "platform/system/user_preferences.h"
 #include "support.h"
 
 using namespace varno;
@@ -19,10 +19,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::WriteBytes(fuzz::ScratchDir() / "varno" / kFileName, fuzz::AsText(data, size));
-  std::optional<plist::Dictionary> preferences = CopyUserPreferences(kFileName);
+  std::optional<plist::Dictionary> preferences = sys::CopyUserPreferences(kFileName);
   fuzz::Check(preferences.has_value(), "the preferences folder is there, yet nothing was read");
-  if (!WriteUserPreferences(kFileName, *preferences)) return 0;
-  std::optional<plist::Dictionary> back = CopyUserPreferences(kFileName);
+  if (!sys::WriteUserPreferences(kFileName, *preferences)) return 0;
+  std::optional<plist::Dictionary> back = sys::CopyUserPreferences(kFileName);
   fuzz::Check(back && fuzz::SameValue(*preferences, *back, fuzz::Fidelity::WholeSeconds),
               "preferences change when written and read back");
   return 0;

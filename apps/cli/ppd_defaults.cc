@@ -4,6 +4,8 @@
 
 namespace varno::cli {
 
+namespace ppdcall = print::ppdcall;
+
 const std::vector<PPDChoice>* PPDDefaults::choicesOf(std::string_view keyword) const {
   for (const auto& [option, list] : options)
     if (option == keyword) return &list;

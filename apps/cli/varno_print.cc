@@ -16,7 +16,6 @@
 
 #include "command_line.h"
 #include "dialog_settings.h"
-#include "host/plugin_entry.h"
 #include "platform/plist/file.h"
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
@@ -26,6 +25,7 @@
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"
 #include "ppd_defaults.h"
+#include "vocabulary/plugin_bundle.h"
 
 namespace {
 
@@ -221,10 +221,10 @@ int RunDialog(const Options& options, const cli::PPDDefaults& ppd, print::Sessio
   toolkit::Control* pane =
       window->embed(toolkit::Control::create(toolkit::ControlKind::UserPane, {0, 0, 500, 600}));
   print::FrameworkDriver driver;
-  if (driver.loadByIdentifier(host::kPlugInBundleIdentifier) != noErr) return Fail(driver.error());
+  if (driver.loadByIdentifier(vocabulary::kPlugInBundleIdentifier) != noErr) return Fail(driver.error());
   print::PMPDEVersion version{};
   driver.getAPIVersion(version);
-  Say(std::string("plug-in ") + host::kPlugInBundleIdentifier + " from " +
+  Say(std::string("plug-in ") + vocabulary::kPlugInBundleIdentifier + " from " +
       driver.bundle()->path().string() + " (interface " +
       std::to_string(version.buildVersionMajor) + "." + std::to_string(version.buildVersionMinor) + ")");
   if (driver.prologue() != noErr || driver.initialize(&session, pane) != noErr ||

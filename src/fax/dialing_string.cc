@@ -2,6 +2,9 @@
 
 namespace varno::fax {
 
+using print::CFIndex;
+using toolkit::CharacterSet;
+
 const CharacterSet& kFaxDialingCharacterSet() {
   static const CharacterSet set(kFaxDialingCharacters);
   return set;

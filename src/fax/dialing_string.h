@@ -8,8 +8,8 @@
 
 #include "fax/fax_recipient.h"
 #include "fax/fax_recipient_list.h"
-#include "host/panel_ui.h"
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
+#include "platform/toolkit/character_set.h"
 
 namespace varno::fax {
 
@@ -17,15 +17,15 @@ namespace varno::fax {
 inline constexpr const char* kFaxDialingCharacters = "0123456789*#=:!,/S$<>ABCD";
 
 // The most characters the device dials for one recipient, prefix and calling card included.
-inline constexpr CFIndex kFaxMaxDialingCharacters = 50;
+inline constexpr print::CFIndex kFaxMaxDialingCharacters = 50;
 // Field limits: the dialing prefix (dialing characters), the calling card (decimal digits)
 // and a recipient's fax number (dialing characters).
-inline constexpr CFIndex kFaxDialingPrefixMaxCharacters = 4;
-inline constexpr CFIndex kFaxCreditCardMaxDigits = 16;
-inline constexpr CFIndex kFaxNumberMaxCharacters = 50;
+inline constexpr print::CFIndex kFaxDialingPrefixMaxCharacters = 4;
+inline constexpr print::CFIndex kFaxCreditCardMaxDigits = 16;
+inline constexpr print::CFIndex kFaxNumberMaxCharacters = 50;
 
 // The set of kFaxDialingCharacters, made once and shared by every field and check.
-const CharacterSet& kFaxDialingCharacterSet();
+const toolkit::CharacterSet& kFaxDialingCharacterSet();
 
 // The characters of `faxNumber` that are dialing characters, in their order; everything
 // else (blanks, brackets, "+", "-", lower case, any non-ASCII character) is dropped.
@@ -36,6 +36,7 @@ std::string CopyDialingStringFromFaxNumber(std::string_view faxNumber);
 // a fax number counts only the prefix and the card. Each result holds a reference, so the
 // recipients outlive their removal from the list while the caller still shows them.
 std::vector<FaxRecipientRef> FindMaxCharacters(const FaxRecipientList& recipients,
-                                               CFIndex prefixLength, CFIndex creditCardLength);
+                                               print::CFIndex prefixLength,
+                                               print::CFIndex creditCardLength);
 
 }  // namespace varno::fax

@@ -4,6 +4,12 @@
 
 namespace varno::fax {
 
+using print::CFDictionaryGetNumber;
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+using vocabulary::FaxSendSpeedMap;
+using vocabulary::TicketToUI;
+
 int FaxSendSpeedItemFromOptions(const plist::Dictionary& options) {
   CFIndex speed = kFaxDefaultSendSpeed;
   CFDictionaryGetNumber(options, kFaxSendSpeedProperty, &speed);

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "host/ticket_access.h"
 #include "platform/plist/value.h"
+#include "platform/print/ticket_access.h"
 
 namespace varno::fax {
 
@@ -22,8 +22,8 @@ inline constexpr const char* kFaxCoverSheetNotesProperty = "CoverSheetNotes";  /
 inline constexpr const char* kFaxCoverLocalizedNotesLabel = "LocalizedNotesLabel";  // string
 
 // What the dialog shows for an absent "SendSpeed" ("G3-Auto") and "Resolution" ("Fine").
-inline constexpr CFIndex kFaxDefaultSendSpeed = 4;
-inline constexpr CFIndex kFaxDefaultResolution = 2;
+inline constexpr print::CFIndex kFaxDefaultSendSpeed = 4;
+inline constexpr print::CFIndex kFaxDefaultResolution = 2;
 
 // The send-speed menu is read and written asymmetrically, and has to stay so for tickets
 // already in use: showing selects the FaxSendSpeedMap row whose value equals the stored

@@ -4,6 +4,8 @@
 
 namespace varno::fax {
 
+using print::CFIndex;
+
 FaxRecipientList::FaxRecipientList(const FaxRecipientList& other) { *this = other; }
 
 FaxRecipientList& FaxRecipientList::operator=(const FaxRecipientList& other) {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "fax/fax_recipient.h"
-#include "host/ticket_access.h"
 #include "platform/plist/value.h"
+#include "platform/print/ticket_access.h"
 
 namespace varno::fax {
 
@@ -27,16 +27,16 @@ class FaxRecipientList {
   explicit FaxRecipientList(const plist::Array& ticket);
   ~FaxRecipientList() = default;
 
-  CFIndex count() const { return static_cast<CFIndex>(entries_.size()); }
+  print::CFIndex count() const { return static_cast<print::CFIndex>(entries_.size()); }
   // The entry at `index`, or null out of range. The list keeps its reference.
-  FaxRecipient* recipientAtIndex(CFIndex index) const;
+  FaxRecipient* recipientAtIndex(print::CFIndex index) const;
   // Inserts before `index` (0 ... count); false, and nothing done, for a null recipient or
   // an index out of range.
-  bool insertAtIndex(FaxRecipient* recipient, CFIndex index);
+  bool insertAtIndex(FaxRecipient* recipient, print::CFIndex index);
   // False for a null recipient.
   bool append(FaxRecipient* recipient);
   // Out of range: nothing happens.
-  void removeAtIndex(CFIndex index);
+  void removeAtIndex(print::CFIndex index);
   void removeAll();
   // Removes every entry that is this very object (not merely an equal one).
   void remove(const FaxRecipient* recipient);

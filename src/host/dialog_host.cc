@@ -9,17 +9,30 @@
 
 #include "fax/lan_fax_setup.h"
 #include "host/host_ticket_entries.h"
-#include "host/pde_bundle.h"
-#include "host/plugin_entry.h"
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/interface_file.h"
 #include "vocabulary/device_profile.h"
 #include "vocabulary/installable_options.h"
+#include "vocabulary/plugin_bundle.h"
 #include "vocabulary/ppd_access.h"
 
 
 namespace varno::host {
+
+using print::GetCurrentPrintSession;
+using print::GetTicketFromSession;
+using print::SetCurrentPrintSession;
+using vocabulary::InstalledFeatures;
+using vocabulary::LoadInstallableOptions;
+using vocabulary::PPDCloseCurrent;
+using vocabulary::PPDGetCurrent;
+using vocabulary::PPDIsFromMaker;
+using vocabulary::UnloadInstallableOptions;
+using vocabulary::VNPFinalize;
+using vocabulary::VNPInitialize;
+using vocabulary::gBundle;
+using vocabulary::kPlugInBundleIdentifier;
 
 const char* PanelInterfaces[kPanelTableCapacity + 1] = {
     "GetPaperOutputPanelInterface",

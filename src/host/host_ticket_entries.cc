@@ -7,6 +7,9 @@
 #include "vocabulary/ppd_access.h"
 
 namespace varno::host {
+
+using vocabulary::PPDSetCurrentChoice;
+
 namespace {
 
 // Absent values remove the key, so a stale entry from an earlier job cannot survive.

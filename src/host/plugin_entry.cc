@@ -83,7 +83,7 @@ extern "C" void* VarnoPDEPluginFactory(void*, varno::bundle::UUID typeID) {
   if (typeID != print::kPDEPlugInType) return nullptr;
   auto* instance = new (std::nothrow) host::VarnoPDEPlugInInstance{};
   if (!instance) return nullptr;
-  instance->factoryID = new (std::nothrow) bundle::UUID(print::kVarnoPDEFactoryID);
+  instance->factoryID = new (std::nothrow) bundle::UUID(host::kVarnoPDEFactoryID);
   if (!instance->factoryID) {
     delete instance;
     return nullptr;

@@ -11,9 +11,9 @@
 
 namespace varno::host {
 
-// The bundle identifier the plug-in finds itself by.
-inline constexpr const char* kPlugInBundleIdentifier =
-    "com.varno.print.pde.varnofeatures.at100_110_110A_120_120A";
+// The factory that Info.plist registers for the PDE plug-in type.
+inline constexpr bundle::UUID kVarnoPDEFactoryID =
+    bundle::MakeUUID("FD10ECA4-9139-48E2-B8BD-507DF7AA6E20");
 
 // One plug-in instance. `interface` points at the embedded table that follows it
 // (reserved word, QueryInterface, AddRef, Release), so the instance itself is what

@@ -6,6 +6,12 @@
 #include "vocabulary/ppd_access.h"
 
 namespace varno::model {
+
+using vocabulary::PPDGetCurrent;
+using vocabulary::PPDGetTicketValueForChoiceOrDefault;
+using vocabulary::PPDSetCurrentChoice;
+using vocabulary::PPDSetCurrentChoiceForTicketValue;
+
 namespace {
 
 constexpr const char* kFrontCoverSheet = "VNFrontCoverSheet";

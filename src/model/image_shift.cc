@@ -3,10 +3,17 @@
 #include <cmath>
 #include <string_view>
 
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using print::CFDictionaryGetNumber;
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+using print::WriteTicketValue;
+using vocabulary::kUnsetValue;
+
 namespace {
 
 constexpr const char* kOptionKey = "Option";

@@ -5,6 +5,13 @@
 #include "vocabulary/ppd_access.h"
 
 namespace varno::model {
+
+using vocabulary::PPDChoiceForTicketValue;
+using vocabulary::PPDCopyChoiceText;
+using vocabulary::PPDGetCurrent;
+using vocabulary::PPDGetTicketValueForChoiceOrDefault;
+using vocabulary::PPDSetCurrentChoiceForTicketValue;
+
 namespace {
 
 constexpr const char* kSeparatorOptionKeyword = "VNSlipSheetPrint";
@@ -38,15 +45,15 @@ OSStatus SyncSeparatorsToTicket(print::Ticket* ticket, std::int32_t option, cons
   return noErr;
 }
 
-OSStatus AppendSeparatorSummary(toolkit::Control* textView, const bundle::BundleRef& bundle,
-                                std::int32_t option, const Stock& stock) {
-  if (!textView || !bundle) return paramErr;
+OSStatus SeparatorSummaryLine(const bundle::BundleRef& bundle, std::int32_t option,
+                              const Stock& stock, std::string* line) {
+  if (!bundle || !line) return paramErr;
+  line->clear();
   if (option != kBlankSeparators && option != kPrintedSeparators) return noErr;
   std::string tray;
   if (const char* choice = PPDChoiceForTicketValue(kSeparatorSourceKeyword, stock.source()))
     tray = PPDCopyChoiceText(PPDGetCurrent(), kSeparatorSourceKeyword, choice).value_or(choice);
-  const std::string line = "- " + Localized(bundle, "Separators") + Localized(bundle, ":") + tray;
-  textView->setText(textView->text() + "\n" + line);
+  *line = "- " + Localized(bundle, "Separators") + Localized(bundle, ":") + tray;
   return noErr;
 }
 

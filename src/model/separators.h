@@ -6,11 +6,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "model/stock.h"
 #include "platform/bundle/bundle.h"
 #include "platform/print/ticket.h"
-#include "platform/toolkit/control.h"
 
 namespace varno::model {
 
@@ -28,9 +28,10 @@ OSStatus SyncSeparatorsFromTicket(const print::Ticket* ticket, std::int32_t* opt
 // separators the tray choice is left as it stands. paramErr for a null ticket or stock,
 // with or without separators.
 OSStatus SyncSeparatorsToTicket(print::Ticket* ticket, std::int32_t option, const Stock* stock);
-// With blank or printed separators, adds the line "- Separators: <tray>" to the view's
-// text; otherwise leaves it. paramErr for a null view or bundle.
-OSStatus AppendSeparatorSummary(toolkit::Control* textView, const bundle::BundleRef& bundle,
-                                std::int32_t option, const Stock& stock);
+// `*line` := "- Separators: <tray>" with blank or printed separators, empty otherwise; the
+// caller adds a non-empty line to its summary. paramErr for a null bundle or output, which
+// is then left alone.
+OSStatus SeparatorSummaryLine(const bundle::BundleRef& bundle, std::int32_t option,
+                              const Stock& stock, std::string* line);
 
 }  // namespace varno::model

@@ -1,9 +1,16 @@
 #include "model/special_pages.h"
 
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+using print::GetCFIndexFromCFDictionary;
+using print::WriteTicketValue;
+using vocabulary::kUnsetValue;
+
 namespace {
 
 constexpr const char* kStartPageKey = "StartPage";

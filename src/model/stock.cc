@@ -2,11 +2,17 @@
 
 #include <string_view>
 
-#include "host/ticket_access.h"
 #include "platform/plist/text.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using print::CFDictionaryGetNumber;
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+using vocabulary::kUnsetValue;
+
 namespace {
 
 // Tab stocks of these types come in sets, so only they carry a modulus.

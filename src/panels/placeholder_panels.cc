@@ -5,9 +5,12 @@
 #include <string>
 
 #include "host/dialog_host.h"
-#include "host/pde_bundle.h"
+#include "vocabulary/plugin_bundle.h"
 
 namespace varno::panels {
+
+using vocabulary::FindPlugInBundle;
+
 namespace {
 
 struct PlaceholderPanelContext {

@@ -3,7 +3,7 @@
 #include <climits>
 #include <cstring>
 
-namespace varno {
+namespace varno::vocabulary {
 
 // Some maps list a value or a choice twice. Lookups take the first pair, so the order of
 // the pairs is part of the data: "CardStock" reads as 12 but 43 writes as "CardStock",
@@ -181,4 +181,4 @@ const ChoiceMap* ChoiceMapForKeyword(const char* keyword) {
   return nullptr;
 }
 
-}  // namespace varno
+}  // namespace varno::vocabulary

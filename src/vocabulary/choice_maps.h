@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace varno {
+namespace varno::vocabulary {
 
 // One pair; a null choice ends the map.
 struct ChoiceMap {
@@ -50,4 +50,4 @@ extern const MainKeywordMapEntry MainKeywordMap[];
 // The choice map of a PPD main keyword, or null.
 const ChoiceMap* ChoiceMapForKeyword(const char* keyword);
 
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -1,9 +1,9 @@
 #include "vocabulary/device_profile.h"
 
-#include "host/pde_bundle.h"
 #include "platform/plist/file.h"
+#include "vocabulary/plugin_bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
 namespace {
 
 // The loaded profile; nullopt when none is.
@@ -113,4 +113,4 @@ std::optional<plist::Value> CreatePropertiesFromXMLFile(const std::filesystem::p
   return plist::ReadFile(path);
 }
 
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -14,7 +14,7 @@
 
 #include "platform/plist/value.h"
 
-namespace varno {
+namespace varno::vocabulary {
 
 // Loads the profile from the plug-in bundle unless one is loaded; a missing or unreadable
 // file leaves none.
@@ -46,4 +46,4 @@ plist::Array VNPGetKeywordsWithPropertyAndValue(const plist::Dictionary* feature
 // A property list read from an XML file, or nullopt when it cannot be read.
 std::optional<plist::Value> CreatePropertiesFromXMLFile(const std::filesystem::path& path);
 
-}  // namespace varno
+}  // namespace varno::vocabulary

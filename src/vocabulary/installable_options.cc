@@ -5,7 +5,9 @@
 
 #include "platform/print/ppd_calls.h"
 
-namespace varno {
+namespace varno::vocabulary {
+
+namespace ppdcall = print::ppdcall;
 
 // Punch units come in combinations, so one PPD choice can satisfy several features and
 // one feature can be satisfied by several choices: HolePunch24 gives 2 and 4 holes.
@@ -131,4 +133,4 @@ std::string CopyDeviceMimicFilename() {
   return name + ".gif";
 }
 
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -13,7 +13,7 @@
 
 #include "platform/bundle/bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
 
 // One row of an installed-feature table; a null feature key ends it.
 struct InstalledFeatureMap {
@@ -40,4 +40,4 @@ std::optional<std::string> CopyLocalizedStringForInstalledFeatureFromPlugin(
 // The file name of the printer picture for the installed options.
 std::string CopyDeviceMimicFilename();
 
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -10,12 +10,14 @@
 #include <system_error>
 #include <utility>
 
-#include "host/pde_bundle.h"
-#include "host/ticket_access.h"
-#include "vocabulary/choice_maps.h"
 #include "platform/print/ppd_calls.h"
+#include "platform/print/ticket_access.h"
+#include "vocabulary/choice_maps.h"
+#include "vocabulary/plugin_bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
+
+namespace ppdcall = print::ppdcall;
 
 namespace {
 
@@ -83,7 +85,7 @@ std::optional<std::string> ToUTF8(const char* text, PPDEncoding encoding) {
 
 ppd_file_t* PPDGetCurrent() {
   if (gCurrentPPD) return gCurrentPPD;
-  print::Session* session = GetCurrentPrintSession();
+  print::Session* session = print::GetCurrentPrintSession();
   if (!session) return nullptr;
   std::optional<std::filesystem::path> path = session->ppdPath();
   if (!path) return nullptr;
@@ -213,4 +215,4 @@ bool PPDIsFromMaker(ppd_file_t* ppd) {
   return ppd && ppd->manufacturer && std::strcmp(ppd->manufacturer, "Varno") == 0;
 }
 
-}  // namespace varno
+}  // namespace varno::vocabulary

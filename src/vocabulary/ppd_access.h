@@ -16,7 +16,7 @@
 #include "platform/toolkit/control.h"
 #include "platform/toolkit/menu.h"
 
-namespace varno {
+namespace varno::vocabulary {
 
 // String encodings a PPD may declare.
 enum class PPDEncoding { MacRoman, ISOLatin1, ISOLatin2, ISOLatin5, ShiftJIS, UTF8 };
@@ -63,4 +63,4 @@ int PPDPopulatePopupWithChoices(toolkit::Control* popup, ppd_file_t* ppd, const 
 // True when the PPD is one of this printer family's: its manufacturer is exactly "Varno".
 bool PPDIsFromMaker(ppd_file_t* ppd);
 
-}  // namespace varno
+}  // namespace varno::vocabulary

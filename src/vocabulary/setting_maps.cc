@@ -4,12 +4,12 @@
 #include <optional>
 #include <string>
 
-#include "host/user_preferences.h"
 #include "platform/four_char_code.h"
 #include "platform/plist/value.h"
+#include "platform/system/user_preferences.h"
 #include "vocabulary/installable_options.h"
 
-namespace varno {
+namespace varno::vocabulary {
 
 namespace {
 
@@ -454,7 +454,7 @@ std::int16_t PopulatePopupButtonFromMapAndHistory(
   std::int16_t count = PopulatePopupButtonFromMap(bundle, popup, map, useJobSetting, commandID);
   if (!popup || !popup->menu() || !historyKey) return count;
 
-  std::optional<plist::Dictionary> history = CopyUserPreferences(kInputHistoryFile);
+  std::optional<plist::Dictionary> history = sys::CopyUserPreferences(kInputHistoryFile);
   if (!history) return count;
   std::optional<plist::Array> entries = history->getArray(historyKey);
   if (!entries) return count;
@@ -497,4 +497,4 @@ std::int32_t GetPopupButtonTicketValue(toolkit::Control* popup) {
   return ValueForRefCon(popup->menu()->item(static_cast<toolkit::MenuItemIndex>(selected))->refCon);
 }
 
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -9,7 +9,7 @@
 #include "platform/toolkit/control.h"
 #include "platform/toolkit/menu.h"
 
-namespace varno {
+namespace varno::vocabulary {
 
 // Marks a record field as not set, and the item that stands for the printer's default.
 inline constexpr std::int32_t kUnsetValue = INT32_MIN;
@@ -96,4 +96,4 @@ int SetPopupButtonToTicketValue(toolkit::Control* popup, std::int32_t value);
 // The reference value of the selected item.
 std::int32_t GetPopupButtonTicketValue(toolkit::Control* popup);
 
-}  // namespace varno
+}  // namespace varno::vocabulary

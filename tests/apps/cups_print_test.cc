@@ -26,6 +26,9 @@ extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:_ppdCacheCreateWithPPD\n"; }
 
 namespace varno {
+
+namespace ppdcall = print::ppdcall;
+
 namespace {
 
 namespace fs = std::filesystem;

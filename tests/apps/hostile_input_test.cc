@@ -19,9 +19,9 @@
 #include <thread>
 #include <vector>
 
-#include "host/user_preferences.h"
 #include "panels/booklet_watermark/fax_image_store.h"
 #include "panels/booklet_watermark/watermark_store.h"
+#include "platform/system/user_preferences.h"
 #include "support/temp_dir.h"
 
 namespace varno {
@@ -203,7 +203,7 @@ int ReadStoresAndPreferences(const TempDir& dir, const std::filesystem::path& in
   std::optional<plist::Array> list;
   if (panels::loadWatermarkList(panels::kWatermarkStoreFileName, nullptr, &list)) return 11;
   if (panels::LoadFaxCoverImageList()) return 12;
-  std::optional<plist::Dictionary> preferences = CopyUserPreferences("hostile.plist");
+  std::optional<plist::Dictionary> preferences = sys::CopyUserPreferences("hostile.plist");
   if (!preferences) return 13;
   if (!isDictionary && !preferences->empty()) return 14;
   return 0;

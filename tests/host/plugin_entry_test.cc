@@ -11,8 +11,12 @@
 #include "platform/bundle/bundle.h"
 #include "platform/bundle/plugin.h"
 #include "platform/print/framework_driver.h"
+#include "vocabulary/plugin_bundle.h"
 
 namespace varno::host {
+
+using vocabulary::kPlugInBundleIdentifier;
+
 namespace {
 
 const std::filesystem::path kPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
@@ -29,7 +33,7 @@ class VarnoPlugIn : public ::testing::Test {
   bundle::IUnknownVTbl** Create(const bundle::UUID& type) {
     void* instance = nullptr;
     std::string error;
-    bundle::CreateInstance(*bundle_, print::kVarnoPDEFactoryID, type, &instance, &error);
+    bundle::CreateInstance(*bundle_, kVarnoPDEFactoryID, type, &instance, &error);
     return static_cast<bundle::IUnknownVTbl**>(instance);
   }
 
@@ -37,23 +41,23 @@ class VarnoPlugIn : public ::testing::Test {
 };
 
 TEST_F(VarnoPlugIn, WrongPlugInTypeYieldsNoInstance) {
-  const int before = bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID);
+  const int before = bundle::InstanceCountForFactory(kVarnoPDEFactoryID);
   EXPECT_EQ(Create(print::kPDEInterfaceID), nullptr);
   EXPECT_EQ(Create(bundle::kIUnknownInterfaceID), nullptr);
-  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before);
+  EXPECT_EQ(bundle::InstanceCountForFactory(kVarnoPDEFactoryID), before);
 }
 
 TEST_F(VarnoPlugIn, InstanceCountsReferencesAndUnregistersAtZero) {
-  const int before = bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID);
+  const int before = bundle::InstanceCountForFactory(kVarnoPDEFactoryID);
   bundle::IUnknownVTbl** instance = Create(print::kPDEPlugInType);
   ASSERT_NE(instance, nullptr);
-  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before + 1);
+  EXPECT_EQ(bundle::InstanceCountForFactory(kVarnoPDEFactoryID), before + 1);
   EXPECT_EQ((*instance)->AddRef(instance), 2u);
   EXPECT_EQ((*instance)->AddRef(nullptr), 0u);
   EXPECT_EQ((*instance)->Release(instance), 1u);
-  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before + 1);
+  EXPECT_EQ(bundle::InstanceCountForFactory(kVarnoPDEFactoryID), before + 1);
   EXPECT_EQ((*instance)->Release(instance), 0u);
-  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before);
+  EXPECT_EQ(bundle::InstanceCountForFactory(kVarnoPDEFactoryID), before);
 }
 
 TEST_F(VarnoPlugIn, QueryInterfaceAnswersUnknownAndPDEAndRefusesOthers) {
@@ -89,16 +93,16 @@ TEST_F(VarnoPlugIn, QueryInterfaceAnswersUnknownAndPDEAndRefusesOthers) {
 }
 
 TEST_F(VarnoPlugIn, FrameworkDriverFindsAndLoadsItByIdentifier) {
-  const int before = bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID);
+  const int before = bundle::InstanceCountForFactory(kVarnoPDEFactoryID);
   {
     print::FrameworkDriver driver;
     ASSERT_EQ(driver.loadByIdentifier(kPlugInBundleIdentifier), noErr) << driver.error();
     print::PMPDEVersion version{};
     EXPECT_EQ(driver.getAPIVersion(version), noErr);
     EXPECT_EQ(version.buildVersionMajor, 1u);
-    EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before + 1);
+    EXPECT_EQ(bundle::InstanceCountForFactory(kVarnoPDEFactoryID), before + 1);
   }
-  EXPECT_EQ(bundle::InstanceCountForFactory(print::kVarnoPDEFactoryID), before)
+  EXPECT_EQ(bundle::InstanceCountForFactory(kVarnoPDEFactoryID), before)
       << "the driver releases the instance it made";
 }
 

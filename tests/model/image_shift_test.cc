@@ -5,6 +5,9 @@
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using vocabulary::kUnsetValue;
+
 namespace {
 
 using plist::Dictionary;

@@ -11,6 +11,9 @@
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using vocabulary::kUnsetValue;
+
 namespace {
 
 constexpr int kPages = 40;

@@ -4,14 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
-#include "host/ticket_access.h"
 #include "platform/print/session.h"
-#include "platform/toolkit/window.h"
+#include "platform/print/ticket_access.h"
 #include "vocabulary/ppd_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using vocabulary::PPDCloseCurrent;
+
 namespace {
 
 // The sample printer is the session's, so the printer's default choices are at hand.
@@ -19,12 +22,12 @@ class Separators : public ::testing::Test {
  protected:
   void SetUp() override {
     session_.setPrinterPPD(VARNO_TEST_DATA_DIR "/../../resources/ppd/Varno-AT120A.ppd");
-    SetCurrentPrintSession(&session_);
+    print::SetCurrentPrintSession(&session_);
     ticket_ = session_.printSettings();
   }
   void TearDown() override {
     PPDCloseCurrent();
-    SetCurrentPrintSession(nullptr);
+    print::SetCurrentPrintSession(nullptr);
   }
   void Choose(const char* keyword, const char* choice) {
     ticket_.ppdDictionary().set(keyword, plist::Value(choice));
@@ -72,21 +75,31 @@ TEST_F(Separators, WritingWithoutSeparatorsLeavesTheTrayChoiceAlone) {
     EXPECT_EQ(SyncSeparatorsToTicket(&ticket_, option, nullptr), paramErr) << option;
 }
 
-TEST_F(Separators, SummaryGetsOneLineOnlyWhenThereAreSeparators) {
+TEST_F(Separators, SummaryLineOnlyWhenThereAreSeparators) {
   bundle::BundleRef bundle = bundle::Bundle::Open(VARNO_BUILD_DIR "/VarnoFeatures.plugin");
   ASSERT_NE(bundle, nullptr);
-  std::unique_ptr<toolkit::Window> window = toolkit::Window::create({0, 0, 200, 100}, "w");
-  toolkit::Control* view =
-      window->embed(toolkit::Control::create(toolkit::ControlKind::StaticText, {0, 0, 200, 100}));
-  view->setText("Paper: Letter");
-  Stock stock;
-  stock.setSource(100);
+  const struct {
+    std::int32_t option;
+    std::int32_t source;
+    const char* line;
+  } cases[] = {
+      {kNoSeparators, 100, ""},
+      {kBlankSeparators, 100, "- Separators: Bypass Tray"},
+      {kPrintedSeparators, 2, "- Separators: Tray 2"},
+  };
+  for (const auto& c : cases) {
+    Stock stock;
+    stock.setSource(c.source);
+    std::string line = "left from before";
+    ASSERT_EQ(SeparatorSummaryLine(bundle, c.option, stock, &line), noErr) << c.option;
+    EXPECT_EQ(line, c.line) << c.option;
+  }
 
-  ASSERT_EQ(AppendSeparatorSummary(view, bundle, kNoSeparators, stock), noErr);
-  EXPECT_EQ(view->text(), "Paper: Letter");
-  ASSERT_EQ(AppendSeparatorSummary(view, bundle, kBlankSeparators, stock), noErr);
-  EXPECT_EQ(view->text(), "Paper: Letter\n- Separators: Bypass Tray");
-  EXPECT_EQ(AppendSeparatorSummary(view, nullptr, kBlankSeparators, stock), paramErr);
+  Stock stock;
+  std::string line = "kept";
+  EXPECT_EQ(SeparatorSummaryLine(nullptr, kBlankSeparators, stock, &line), paramErr);
+  EXPECT_EQ(line, "kept");
+  EXPECT_EQ(SeparatorSummaryLine(bundle, kBlankSeparators, stock, nullptr), paramErr);
 }
 
 }  // namespace

@@ -12,6 +12,9 @@
 #include "vocabulary/setting_maps.h"
 
 namespace varno::model {
+
+using vocabulary::kUnsetValue;
+
 namespace {
 
 using plist::Array;

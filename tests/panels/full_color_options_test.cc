@@ -4,6 +4,9 @@
 #include "panels/image_options/full_color_options.h"
 
 namespace varno::panels {
+
+using vocabulary::kUnsetValue;
+
 namespace {
 
 using plist::Array;

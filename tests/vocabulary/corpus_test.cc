@@ -14,13 +14,16 @@
 #include <string>
 #include <vector>
 
+#include "platform/print/ppd_calls.h"
 #include "support/temp_dir.h"
 #include "vocabulary/choice_maps.h"
 #include "vocabulary/installable_options.h"
 #include "vocabulary/ppd_access.h"
-#include "platform/print/ppd_calls.h"
 
-namespace varno {
+namespace varno::vocabulary {
+
+namespace ppdcall = print::ppdcall;
+
 namespace {
 
 constexpr const char* kDriver = "/usr/lib/cups/driver/postscript-hp";
@@ -128,4 +131,4 @@ TEST(PPDCorpus, EveryPPDOpensLoadsAndFillsMenusWithoutBeingTakenForOurs) {
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::vocabulary

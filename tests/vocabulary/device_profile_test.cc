@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "host/pde_bundle.h"
 #include "support/bundle_folder.h"
 #include "support/temp_dir.h"
+#include "vocabulary/plugin_bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
 namespace {
 
 const std::filesystem::path kBuiltBundle = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
@@ -97,4 +97,4 @@ TEST_F(DeviceProfile, WithoutAProfileEveryQueryAnswersNothing) {
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::vocabulary

@@ -14,16 +14,19 @@
 #include <utility>
 #include <vector>
 
-#include "host/pde_bundle.h"
-#include "host/ticket_access.h"
+#include "platform/print/ppd_calls.h"
+#include "platform/print/ticket_access.h"
 #include "platform/toolkit/control.h"
 #include "support/bundle_folder.h"
 #include "support/temp_dir.h"
 #include "vocabulary/choice_maps.h"
 #include "vocabulary/installable_options.h"
-#include "platform/print/ppd_calls.h"
+#include "vocabulary/plugin_bundle.h"
 
-namespace varno {
+namespace varno::vocabulary {
+
+namespace ppdcall = print::ppdcall;
+
 namespace {
 
 using toolkit::Control;
@@ -287,7 +290,7 @@ TEST_F(InstalledOptions, FirstSatisfiedRowGivesTicketValueAndLabel) {
 TEST(CurrentPPD, OpensTheSessionPrintersPPDOnceAndAgainAfterClosing) {
   print::Session session;
   EXPECT_EQ(PPDGetCurrent(), nullptr);  // no session
-  SetCurrentPrintSession(&session);
+  print::SetCurrentPrintSession(&session);
   session.setPrinterPPD((kFixtures / "Missing.ppd").string());
   EXPECT_EQ(PPDGetCurrent(), nullptr);
 
@@ -302,13 +305,13 @@ TEST(CurrentPPD, OpensTheSessionPrintersPPDOnceAndAgainAfterClosing) {
   ppd_file_t* other = PPDGetCurrent();
   EXPECT_TRUE(other && !PPDIsFromMaker(other));
   PPDCloseCurrent();
-  SetCurrentPrintSession(nullptr);
+  print::SetCurrentPrintSession(nullptr);
 }
 
 // A localizer plug-in inside the plug-in bundle localizes the shared PPD in place of libcups.
 TEST(CurrentPPD, IsLocalizedByTheBundlesLocalizerWhenItHasOne) {
   print::Session session;
-  SetCurrentPrintSession(&session);
+  print::SetCurrentPrintSession(&session);
   session.setPrinterPPD(kSample.string());
   const bundle::BundleRef saved = gBundle;
   const std::pair<std::filesystem::path, std::string> cases[] = {
@@ -325,8 +328,8 @@ TEST(CurrentPPD, IsLocalizedByTheBundlesLocalizerWhenItHasOne) {
     PPDCloseCurrent();
   }
   gBundle = saved;
-  SetCurrentPrintSession(nullptr);
+  print::SetCurrentPrintSession(nullptr);
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::vocabulary

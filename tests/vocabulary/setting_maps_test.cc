@@ -12,11 +12,14 @@
 
 #include "platform/bundle/test_bundle.h"
 #include "platform/four_char_code.h"
+#include "platform/print/ppd_calls.h"
 #include "support/bundle_folder.h"
 #include "vocabulary/installable_options.h"
-#include "platform/print/ppd_calls.h"
 
-namespace varno {
+namespace varno::vocabulary {
+
+namespace ppdcall = print::ppdcall;
+
 namespace {
 
 using testing::ScopedEnv;
@@ -216,4 +219,4 @@ TEST(EnglishStrings, EveryMenuItemFeatureAndPanelHasAText) {
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::vocabulary

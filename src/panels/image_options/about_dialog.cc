@@ -3,12 +3,16 @@
 #include <cstdio>
 #include <memory>
 
-#include "host/panel_ui.h"
 #include "platform/toolkit/event.h"
 #include "platform/toolkit/interface_file.h"
 #include "platform/toolkit/window.h"
+#include "ui/panel_ui.h"
 
 namespace varno::panels {
+
+using ui::SetLocalizedStaticText;
+using ui::kPanelUICreator;
+
 namespace {
 
 using toolkit::Control;

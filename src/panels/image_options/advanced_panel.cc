@@ -4,15 +4,33 @@
 #include <memory>
 #include <new>
 
-#include "host/panel_ui.h"
-#include "host/pde_bundle.h"
-#include "host/ticket_access.h"
 #include "platform/print/session.h"
+#include "platform/print/ticket_access.h"
 #include "platform/toolkit/window.h"
+#include "ui/panel_ui.h"
+#include "vocabulary/plugin_bundle.h"
 #include "vocabulary/ppd_access.h"
 #include "vocabulary/setting_maps.h"
 
 namespace varno::panels {
+
+using print::CFIndex;
+using print::GetTicketFromSession;
+using ui::LoadPanelLayout;
+using ui::SetControlBestRect;
+using ui::SetLocalizedControlTitle;
+using ui::SetLocalizedStaticText;
+using ui::kAlignLeft;
+using ui::kAlignTop;
+using vocabulary::BookletLayoutOrderMap;
+using vocabulary::FindPlugInBundle;
+using vocabulary::PPDGetCurrent;
+using vocabulary::PPDGetTicketValueForChoiceOrDefault;
+using vocabulary::PPDPopulatePopupWithChoices;
+using vocabulary::PPDSetCurrentChoiceForTicketValue;
+using vocabulary::PopulatePopupButtonFromMap;
+using vocabulary::SetPopupButtonToTicketValue;
+
 namespace {
 
 using toolkit::Control;

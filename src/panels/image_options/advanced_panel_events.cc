@@ -5,6 +5,8 @@
 
 namespace varno::panels {
 
+using vocabulary::GetPopupButtonTicketValue;
+
 OSStatus AdvancedPanelEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef event,
                                    void* context) {
   auto* panel = static_cast<AdvancedContext*>(context);

@@ -2,10 +2,16 @@
 
 #include <utility>
 
-#include "host/ticket_access.h"
 #include "platform/plist/text.h"
+#include "platform/print/ticket_access.h"
 
 namespace varno::panels {
+
+using print::CFDictionaryGetNumber;
+using print::CFDictionarySetNumber;
+using print::CFIndex;
+using vocabulary::kUnsetValue;
+
 namespace {
 
 constexpr const char* kLightnessKey = "FCLightness";

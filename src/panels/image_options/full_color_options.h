@@ -24,17 +24,17 @@ inline constexpr std::size_t kMaxDestinationProfileNameLength = 255;  // charact
 class FullColorOptions {
  public:
   struct ColorCast {
-    std::int32_t cyanRed = kUnsetValue;
-    std::int32_t magentaGreen = kUnsetValue;
-    std::int32_t yellowBlue = kUnsetValue;
+    std::int32_t cyanRed = vocabulary::kUnsetValue;
+    std::int32_t magentaGreen = vocabulary::kUnsetValue;
+    std::int32_t yellowBlue = vocabulary::kUnsetValue;
   };
   struct TrappingAdjustment {
-    std::int32_t fastDirection = kUnsetValue;
-    std::int32_t slowDirection = kUnsetValue;
+    std::int32_t fastDirection = vocabulary::kUnsetValue;
+    std::int32_t slowDirection = vocabulary::kUnsetValue;
   };
   // A profile chosen by kind; the name counts only for the named kind of its colour space.
   struct Profile {
-    std::int32_t kind = kUnsetValue;
+    std::int32_t kind = vocabulary::kUnsetValue;
     std::optional<std::string> name;
   };
 
@@ -106,13 +106,13 @@ class FullColorOptions {
   void fromTicket(const plist::Dictionary& ticket);
 
  private:
-  std::int32_t lightness_ = kUnsetValue;
-  std::int32_t contrast_ = kUnsetValue;
-  std::int32_t saturation_ = kUnsetValue;
+  std::int32_t lightness_ = vocabulary::kUnsetValue;
+  std::int32_t contrast_ = vocabulary::kUnsetValue;
+  std::int32_t saturation_ = vocabulary::kUnsetValue;
   ColorCast colorCast_;
-  std::int32_t trapping_ = kUnsetValue;
+  std::int32_t trapping_ = vocabulary::kUnsetValue;
   TrappingAdjustment trappingAdjustment_;
-  std::int32_t blackOverprint_ = kUnsetValue;
+  std::int32_t blackOverprint_ = vocabulary::kUnsetValue;
   std::optional<plist::Value> trc_;
   Profile rgbImagesProfile_;
   Profile rgbTextAndGraphicsProfile_;
@@ -121,9 +121,9 @@ class FullColorOptions {
   std::optional<std::string> grayImagesProfile_;
   std::optional<std::string> grayTextAndGraphicsProfile_;
   Profile destinationProfile_;
-  std::int32_t imageObjectRendering_ = kUnsetValue;
-  std::int32_t textObjectRendering_ = kUnsetValue;
-  std::int32_t graphicObjectRendering_ = kUnsetValue;
+  std::int32_t imageObjectRendering_ = vocabulary::kUnsetValue;
+  std::int32_t textObjectRendering_ = vocabulary::kUnsetValue;
+  std::int32_t graphicObjectRendering_ = vocabulary::kUnsetValue;
 };
 
 }  // namespace varno::panels

@@ -1,8 +1,11 @@
-#include "host/panel_ui.h"
 #include "panels/image_options/image_options_panel.h"
 #include "platform/toolkit/event.h"
+#include "ui/panel_ui.h"
 
 namespace varno::panels {
+
+using ui::DrawImage;
+
 namespace {
 
 // The panel's own IDs plus those of the shared quality and colour controls other layouts

@@ -2,9 +2,12 @@
 
 #include <optional>
 
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 
 namespace varno::panels {
+
+using print::CFIndex;
+
 namespace {
 
 constexpr const char* kNegativeKey = "NegativeImage";

@@ -17,13 +17,10 @@
 
 #include "platform/bundle/plugin.h"
 #include "platform/bundle/uuid.h"
-#include "platform/plist/value.h"
 #include "platform/four_char_code.h"
+#include "platform/plist/value.h"
 #include "platform/status.h"
-
-namespace varno::toolkit {
-class Control;  // platform/toolkit/control.h; the interface only passes it
-}  // namespace varno::toolkit
+#include "platform/toolkit/control.h"
 
 namespace varno::print {
 
@@ -42,9 +39,6 @@ inline constexpr bundle::UUID kPDEPlugInType =
 // The interface that QueryInterface answers with a PDEInterface.
 inline constexpr bundle::UUID kPDEInterfaceID =
     bundle::MakeUUID("A996FD7E-B738-11D3-8519-0050E4603277");
-// The factory of the Varno plug-in.
-inline constexpr bundle::UUID kVarnoPDEFactoryID =
-    bundle::MakeUUID("FD10ECA4-9139-48E2-B8BD-507DF7AA6E20");
 
 struct PMPDEVersion {
   std::uint32_t buildVersionMajor;

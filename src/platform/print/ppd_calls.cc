@@ -5,7 +5,7 @@
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-namespace varno::ppdcall {
+namespace varno::print::ppdcall {
 
 ppd_file_t* OpenFile(const char* path) { return path ? ppdOpenFile(path) : nullptr; }
 
@@ -56,6 +56,6 @@ ppd_choice_t* FindMarkedChoice(ppd_file_t* ppd, const char* keyword) {
 
 int Localize(ppd_file_t* ppd) { return ppdLocalize(ppd); }
 
-}  // namespace varno::ppdcall
+}  // namespace varno::print::ppdcall
 
 #pragma GCC diagnostic pop

@@ -14,7 +14,7 @@
 #include <cups/cups.h>
 #include <cups/ppd.h>
 
-namespace varno::ppdcall {
+namespace varno::print::ppdcall {
 
 // ppdOpenFile: the parsed PPD (plain or gzip-compressed), or null.
 ppd_file_t* OpenFile(const char* path);
@@ -60,4 +60,4 @@ using FilePtr = std::unique_ptr<ppd_file_t, Closer>;
 // OpenFile as an owning handle.
 inline FilePtr Open(const std::filesystem::path& path) { return FilePtr(OpenFile(path.c_str())); }
 
-}  // namespace varno::ppdcall
+}  // namespace varno::print::ppdcall

@@ -130,7 +130,7 @@ class Ticket {
 struct TicketItem {
   plist::Value value;             // meaningful when nested is empty
   std::optional<Ticket> nested;   // set when the item is a nested ticket
-  std::string client;             // who wrote it ("com.varno.printingmanager", "V", ...)
+  std::string client;             // who wrote it (a reverse-DNS name, a short code, ...)
   bool locked = false;            // a locked item refuses replacement and removal
 };
 

@@ -7,7 +7,7 @@
 
 #include "platform/plist/value.h"
 
-namespace varno {
+namespace varno::sys {
 
 // The dictionary in `fileName` of the preferences folder; an empty one when the file is
 // missing or is no property-list dictionary. nullopt only when there is no preferences
@@ -19,4 +19,4 @@ std::optional<plist::Dictionary> CopyUserPreferences(std::string_view fileName);
 // standard error, when it cannot be written.
 bool WriteUserPreferences(std::string_view fileName, const plist::Dictionary& dictionary);
 
-}  // namespace varno
+}  // namespace varno::sys

@@ -1,4 +1,4 @@
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 
 #include <unicode/ucnv.h>
 #include <unicode/ustring.h>
@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-namespace varno {
+namespace varno::print {
 
 namespace {
 
@@ -62,12 +62,12 @@ std::optional<std::string> ToUTF8(std::string_view text, StringEncoding encoding
 
 }  // namespace
 
-print::Session* GetCurrentPrintSession() { return print::CurrentSession(); }
+Session* GetCurrentPrintSession() { return CurrentSession(); }
 
-void SetCurrentPrintSession(print::Session* session) { print::SetCurrentSession(session); }
+void SetCurrentPrintSession(Session* session) { SetCurrentSession(session); }
 
-OSStatus GetTicketFromSession(print::Session* session, std::string_view itemName,
-                              print::Ticket* ticket) {
+OSStatus GetTicketFromSession(Session* session, std::string_view itemName,
+                              Ticket* ticket) {
   if (!session || !ticket) return paramErr;
   return session->getDataItem(itemName, *ticket);
 }
@@ -105,4 +105,4 @@ std::optional<plist::Dictionary> CFDictionaryGetDictionaryOrCreate(plist::Dictio
   return created;
 }
 
-}  // namespace varno
+}  // namespace varno::print

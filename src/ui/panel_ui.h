@@ -9,18 +9,18 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "platform/bundle/bundle.h"
+#include "platform/toolkit/character_set.h"
 #include "platform/toolkit/control.h"
 #include "platform/toolkit/event_target.h"
 #include "platform/toolkit/menu.h"
 #include "platform/toolkit/window.h"
 
-namespace varno {
+namespace varno::ui {
 
 // The creator of the limit properties and the class of the state events of a field.
 inline constexpr OSType kPanelUICreator = MakeOSType("VPDE");
@@ -38,40 +38,14 @@ inline constexpr toolkit::ControlID kCustomValueFieldID{kPanelUICreator, 123456}
 inline constexpr toolkit::MenuCommand kCustomValueHelpCommand = MakeOSType("Vhlp");
 inline constexpr const char* kCustomValueHelpPage = "image_options/db_custom_color_d.htm";
 
-// A set of characters (Unicode code points) that a field accepts.
-class CharacterSet {
- public:
-  CharacterSet() = default;
-  // Every character of a UTF-8 text.
-  explicit CharacterSet(std::string_view characters) { addCharacters(characters); }
-  // The characters first..last, both included.
-  static CharacterSet Range(char32_t first, char32_t last);
-
-  void addCharacters(std::string_view characters);
-  void addRange(char32_t first, char32_t last);
-  bool contains(char32_t c) const { return points_.contains(c); }
-  // True when every character of the UTF-8 text is in the set.
-  bool containsAll(std::string_view characters) const;
-  std::size_t size() const { return points_.size(); }
-
-  // The set as property bytes (four little-endian bytes per code point, ascending) and
-  // back; fromBytes gives nullopt for bytes that are no whole number of code points.
-  toolkit::Control::Bytes toBytes() const;
-  static std::optional<CharacterSet> fromBytes(const toolkit::Control::Bytes& bytes);
-
-  friend bool operator==(const CharacterSet&, const CharacterSet&) = default;
-
- private:
-  std::set<char32_t> points_;
-};
-
 // Limits a text field: a length below 1 removes its property ('Vmln' minimum, 'Vlen'
 // maximum), a null set removes the allowed characters, a set is copied into the field's
 // 'Vchr' property, which the field keeps until it goes. Installs LimitInputEventHandler
 // on the field (once per field) for typed text, disposal and combo-box list choices.
 // Nothing happens for a null field.
 void LimitInputLengthAndCharacters(toolkit::Control* field, std::int32_t minLength,
-                                   std::int32_t maxLength, const CharacterSet* allowedCharacters);
+                                   std::int32_t maxLength,
+                                   const toolkit::CharacterSet* allowedCharacters);
 // `field` is the limited control. Drops typed text that would exceed the maximum or holds
 // a character outside the allowed set (with a beep, returning 0); lets the rest edit the
 // field and then announces 'ICno', 'ICfw' or 'ICso'. Disposal drops 'Vchr'; a combo-box
@@ -185,4 +159,4 @@ OSStatus DrawImage(const bundle::BundleRef& bundle, const char* name, toolkit::C
 OSStatus DrawIconEventHandler(toolkit::EventHandlerCallRef call, toolkit::EventRef event,
                               void* bundle);
 
-}  // namespace varno
+}  // namespace varno::ui

@@ -1,11 +1,11 @@
-#include "host/user_preferences.h"
+#include "platform/system/user_preferences.h"
 
 #include <gtest/gtest.h>
 
 #include "platform/bundle/test_bundle.h"
 #include "support/temp_dir.h"
 
-namespace varno {
+namespace varno::sys {
 namespace {
 
 using testing::ScopedEnv;
@@ -40,4 +40,4 @@ TEST(UserPreferences, AFailedWriteSaysSoOnStandardError) {
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::sys

@@ -1,4 +1,4 @@
-#include "host/user_preferences.h"
+#include "platform/system/user_preferences.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -6,10 +6,10 @@
 #include "platform/plist/file.h"
 #include "platform/system/folders.h"
 
-namespace varno {
+namespace varno::sys {
 
 std::optional<plist::Dictionary> CopyUserPreferences(std::string_view fileName) {
-  std::optional<std::filesystem::path> folder = sys::UserPreferencesFolder();
+  std::optional<std::filesystem::path> folder = UserPreferencesFolder();
   if (!folder) return std::nullopt;
   std::filesystem::path file = *folder / fileName;
   std::error_code ec;
@@ -23,9 +23,9 @@ std::optional<plist::Dictionary> CopyUserPreferences(std::string_view fileName) 
 }
 
 bool WriteUserPreferences(std::string_view fileName, const plist::Dictionary& dictionary) {
-  std::optional<std::filesystem::path> folder = sys::UserPreferencesFolder();
+  std::optional<std::filesystem::path> folder = UserPreferencesFolder();
   int code = -1;
-  if (folder && sys::CreateFolder(*folder).ok) {
+  if (folder && CreateFolder(*folder).ok) {
     std::string error;
     if (plist::WriteFile(*folder / fileName, plist::Value(dictionary), &error)) return true;
     code = errno ? errno : -1;
@@ -34,4 +34,4 @@ bool WriteUserPreferences(std::string_view fileName, const plist::Dictionary& di
   return false;
 }
 
-}  // namespace varno
+}  // namespace varno::sys

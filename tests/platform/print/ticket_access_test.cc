@@ -1,4 +1,4 @@
-#include "host/ticket_access.h"
+#include "platform/print/ticket_access.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <memory>
 #include <optional>
 
-namespace varno {
+namespace varno::print {
 namespace {
 
 constexpr CFIndex kMin = std::numeric_limits<CFIndex>::min();
@@ -108,4 +108,4 @@ TEST(DictionaryContainers, GetDictionaryOrCreateCreatesOnceAndShares) {
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::print

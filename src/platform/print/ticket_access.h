@@ -1,5 +1,6 @@
-// Ticket and session access: the small set of functions through which the host and every
-// panel reach the current print session, its tickets and plain property-list dictionaries.
+// Ticket and session access: the small set of functions through which the dialog host, the
+// panels and the records below them reach the current print session, its tickets and plain
+// property-list dictionaries.
 //
 // Readers never report errors in text: they return false (or a status) and leave their
 // output untouched when a key is missing or holds another kind, which is how every panel
@@ -16,7 +17,7 @@
 #include "platform/print/ticket.h"
 #include "platform/status.h"
 
-namespace varno {
+namespace varno::print {
 
 // Integers in records are signed 32 bits whatever the machine's word size, so that
 // tickets written on one machine read the same on every other.
@@ -26,20 +27,20 @@ using CFIndex = std::int32_t;
 enum class StringEncoding { UTF8, ASCII, ISOLatin1, MacRoman };
 
 // Process-wide state: the session of the dialog now running, set by the host's
-// Initialize and cleared (null) by its Terminate. It is print::CurrentSession(), kept in
+// Initialize and cleared (null) by its Terminate. It is CurrentSession(), kept in
 // the shared platform library so that the plug-in and its host agree on it; not owned
 // here and not locked: every caller runs on the dialog's main thread.
 //
 // Returns the current session, or null outside Initialize ... Terminate.
-print::Session* GetCurrentPrintSession();
+Session* GetCurrentPrintSession();
 // Makes `session` (may be null) the current session; the caller keeps ownership.
-void SetCurrentPrintSession(print::Session* session);
+void SetCurrentPrintSession(Session* session);
 
 // Reads session data item `itemName` into `ticket` (a handle to the session's ticket).
 // Returns noErr; paramErr for a null session or ticket; kPMInvalidKey when the item is
 // absent, with `ticket` left as it was.
-OSStatus GetTicketFromSession(print::Session* session, std::string_view itemName,
-                              print::Ticket* ticket);
+OSStatus GetTicketFromSession(Session* session, std::string_view itemName,
+                              Ticket* ticket);
 
 // Stores `value` as a CFIndex number under `key`, replacing any value. A value outside
 // the CFIndex range is not stored (false, dictionary unchanged): written as is, no reader
@@ -94,4 +95,4 @@ void CFReleaseAndNULL(Handle* handle) {
   if (handle) handle->reset();
 }
 
-}  // namespace varno
+}  // namespace varno::print

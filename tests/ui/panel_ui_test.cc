@@ -1,4 +1,4 @@
-#include "host/panel_ui.h"
+#include "ui/panel_ui.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "host/image_manager.h"
-#include "host/ticket_access.h"
 #include "platform/print/session.h"
+#include "platform/print/ticket_access.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/text_editing.h"
@@ -21,7 +21,10 @@
 #include "support/temp_dir.h"
 #include "vocabulary/ppd_access.h"
 
-namespace varno {
+namespace varno::ui {
+
+using vocabulary::PPDCloseCurrent;
+
 namespace {
 
 using namespace varno::toolkit;
@@ -169,10 +172,10 @@ TEST(MediaLimits, ComeFromTheSharedPPDOrTheFixedDefaults) {
 
   print::Session session;
   session.setPrinterPPD((kResources / "ppd/Varno-AT120A.ppd").string());
-  SetCurrentPrintSession(&session);
+  print::SetCurrentPrintSession(&session);
   GetMediaLimits(&minW, &minH, &maxW, &maxH);
   PPDCloseCurrent();
-  SetCurrentPrintSession(nullptr);
+  print::SetCurrentPrintSession(nullptr);
   EXPECT_EQ((std::vector<float>{minW, minH, maxW, maxH}), (std::vector<float>{216, 360, 907, 1368}));
 }
 
@@ -288,4 +291,4 @@ TEST(Pictures, AViewNamesOnlyAPictureTheBundleHas) {
 }
 
 }  // namespace
-}  // namespace varno
+}  // namespace varno::ui
