@@ -31,7 +31,7 @@ namespace fs = std::filesystem;
 using namespace varno;
 using Clock = std::chrono::steady_clock;
 
-const fs::path kPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
+const fs::path kPlugIn = VARNO_BUILT_PLUGIN;
 const fs::path kPlugInLibrary = kPlugIn / "Contents/Linux/VarnoFeatures";
 const std::string kSamplePPD = VARNO_SAMPLE_PPD;
 // Runs one cold start and writes its ColdStartTimes to the file descriptor that follows.

@@ -52,14 +52,12 @@ void Say(const std::string& line) {
 constexpr std::string_view kPrinterMaker = "Varno";
 
 // The sample printer's PPD: installed beside the program, or in the source tree of a build.
+// It lies at the same place relative to the program in an installed tree and in the build
+// tree, so no absolute path is compiled in.
 std::filesystem::path SamplePPD() {
   std::error_code ec;
-  std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
-  if (!ec) {
-    std::filesystem::path installed = exe.parent_path().parent_path() / "share/varno/Varno-AT120A.ppd";
-    if (std::filesystem::exists(installed, ec)) return installed;
-  }
-  return VARNO_SAMPLE_PPD;
+  const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
+  return (exe.parent_path() / VARNO_SAMPLE_PPD_FROM_PROGRAM).lexically_normal();
 }
 
 void PrependBundlePath(const std::string& dir) {

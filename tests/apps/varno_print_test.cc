@@ -151,7 +151,7 @@ TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
   const std::string junk = dir.write("junk.ppd", "*PPD-Adobe: \"4.3\"\nthis is no PPD\n").string();
   const std::string damaged = dir.write("damaged.session", "<plist><dict><key>").string();
   // A bundle with the plug-in's identifier but no library, found first on the search path.
-  std::filesystem::copy_file(VARNO_BUILD_DIR "/VarnoFeatures.plugin/Contents/Info.plist",
+  std::filesystem::copy_file(VARNO_BUILT_PLUGIN "/Contents/Info.plist",
                              dir.write("plugins/VarnoFeatures.plugin/Contents/Info.plist", ""),
                              std::filesystem::copy_options::overwrite_existing);
   const struct {

@@ -19,7 +19,7 @@ using vocabulary::kPlugInBundleIdentifier;
 
 namespace {
 
-const std::filesystem::path kPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
+const std::filesystem::path kPlugIn = VARNO_BUILT_PLUGIN;
 
 class VarnoPlugIn : public ::testing::Test {
  protected:

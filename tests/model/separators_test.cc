@@ -76,7 +76,7 @@ TEST_F(Separators, WritingWithoutSeparatorsLeavesTheTrayChoiceAlone) {
 }
 
 TEST_F(Separators, SummaryLineOnlyWhenThereAreSeparators) {
-  bundle::BundleRef bundle = bundle::Bundle::Open(VARNO_BUILD_DIR "/VarnoFeatures.plugin");
+  bundle::BundleRef bundle = bundle::Bundle::Open(VARNO_BUILT_PLUGIN);
   ASSERT_NE(bundle, nullptr);
   const struct {
     std::int32_t option;

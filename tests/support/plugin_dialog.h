@@ -16,7 +16,7 @@
 
 namespace varno::testing {
 
-inline const std::filesystem::path kBuiltPlugIn = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
+inline const std::filesystem::path kBuiltPlugIn = VARNO_BUILT_PLUGIN;
 inline const std::string kVarnoTestPPD = VARNO_TEST_DATA_DIR "/ppd/Varno-BookletFaxPunch.ppd";
 
 class PlugInDialogTest : public ::testing::Test {

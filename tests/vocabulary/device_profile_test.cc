@@ -10,7 +10,7 @@
 namespace varno::vocabulary {
 namespace {
 
-const std::filesystem::path kBuiltBundle = VARNO_BUILD_DIR "/VarnoFeatures.plugin";
+const std::filesystem::path kBuiltBundle = VARNO_BUILT_PLUGIN;
 
 // Names of the features in an array of feature dictionaries, found back in the profile.
 std::vector<std::string> Names(const plist::Array& features, std::vector<std::string> all) {

@@ -316,7 +316,7 @@ TEST(CurrentPPD, IsLocalizedByTheBundlesLocalizerWhenItHasOne) {
   const bundle::BundleRef saved = gBundle;
   const std::pair<std::filesystem::path, std::string> cases[] = {
       {VARNO_BUILD_DIR "/tests/TestPDE.plugin", "[stand-in] Paper Size"},
-      {VARNO_BUILD_DIR "/VarnoFeatures.plugin", "Paper Size"}};  // has none
+      {VARNO_BUILT_PLUGIN, "Paper Size"}};  // has none
   for (const auto& [bundlePath, text] : cases) {
     gBundle = bundle::Bundle::Open(bundlePath);
     ASSERT_NE(gBundle, nullptr) << bundlePath;

@@ -195,7 +195,7 @@ std::vector<std::string> KeysOf(std::initializer_list<const SettingMap*> maps) {
 TEST(EnglishStrings, EveryMenuItemFeatureAndPanelHasAText) {
   ScopedEnv locale{{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", std::nullopt}};
   std::string error;
-  bundle::BundleRef bundle = bundle::Bundle::Open(VARNO_BUILD_DIR "/VarnoFeatures.plugin", &error);
+  bundle::BundleRef bundle = bundle::Bundle::Open(VARNO_BUILT_PLUGIN, &error);
   ASSERT_TRUE(bundle) << error;
   auto missing = [&](const std::vector<std::string>& keys, const char* table) {
     std::vector<std::string> without;

@@ -340,7 +340,10 @@ bool Bundle::load(std::string* error) const {
     fs::path executable = executablePath();
     if (executable.empty()) {
       loadError_ = "bundle \"" + path_.string() + "\" names no CFBundleExecutable";
-    } else if (void* handle = dlopen(executable.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+    } else if (void* handle = dlopen(executable.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)) {
+      // A loaded plug-in stays mapped for the life of the process, as plug-ins of a
+      // printing framework do: handlers, presenters and exit-time destructors it gave to
+      // the shared toolkit may still be called after the last reference to its bundle goes.
       library_.reset(handle);
       return true;
     } else {

@@ -112,7 +112,8 @@ class Bundle {
                                              std::string_view defaultValue,
                                              std::string_view localization) const;
 
-  // Loads the library (dlopen, RTLD_NOW | RTLD_LOCAL) the first time it is asked for.
+  // Loads the library (dlopen, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE: never unmapped) the
+  // first time it is asked for.
   // Returns true when it is loaded. A failure is remembered: later calls fail at once
   // with the same message, so a broken plug-in is not retried on every lookup.
   bool load(std::string* error = nullptr) const;
