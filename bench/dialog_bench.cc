@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user waits for: the Print dialog opening on the sample printer (the plug-in
 // bundle loaded through the framework driver, Prologue, Initialize, Open, up to the first
 // panel on screen, then Close, Terminate and the release of it all), and one switch

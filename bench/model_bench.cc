@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Cost of building the Special Pages lists: inserts added one at a time (as the inserts
 // dialog does) and all at once (as reading a ticket does), and exception ranges merged
 // one at a time and all at once. Page numbers and ranges are random with a fixed seed;

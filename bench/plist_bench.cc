@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Cost of the property-list work every Sync does: building a ticket, reading it back,
 // and writing and reading the session file a saved job reuses.
 #include <benchmark/benchmark.h>

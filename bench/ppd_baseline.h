@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bare libcups baseline the benchmarks compare our own work with: open a PPD, mark
 // its defaults, close it, through the ppdcall wrappers so libcups' deprecation warnings
 // stay silenced in ppd_calls.cc alone.

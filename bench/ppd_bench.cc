@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Cost of what host Initialize and Terminate do with the printer's PPD: open the shared
 // PPD, mark its defaults and record its installable options, then unload and close;
 // beside it the bare libcups open, mark and close of the same file, to show what our

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Printing one page on a CUPS queue, timed from the user's command to its exit: varno-print
 // (plug-in, dialog, PPD fetched from the scheduler, job with the whole ticket) beside a plain
 // `lp` with the same PPD choices. Both talk to one private scheduler started for the run

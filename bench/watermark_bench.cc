@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The watermark store with 1,000 watermarks: loading the list, loading one record and
 // saving one record, each a whole read (and, for the save, a whole atomic rewrite) of the
 // file. The store lives in a temporary support folder on the disk the build tree is on;

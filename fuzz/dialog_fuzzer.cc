@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whole headless Print dialog fed a hostile ticket: the built plug-in bundle is loaded
 // through the framework driver, the fuzzed property list becomes the print-settings ticket
 // of a session on the sample PPD, and the dialog runs through every stage the framework

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Interface files: any file opens or is refused with a reason, and every window of one that
 // opens is built or refused with a reason.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The job-option decoder on arbitrary text, as a filter receives its options argument:
 // whatever it decodes must encode again and decode to the same entry.
 #include <cstddef>

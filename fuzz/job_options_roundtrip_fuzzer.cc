@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The job-option encoder: a print-settings ticket built from a fuzzed property list travels
 // as job options, and decoding them gives back exactly the ticket's entries, in order.
 #include <cstddef>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes each fuzz target's seed corpus: files of resources/ and tests/data/, and small
 inputs made here (binary forms, job-option text, a store, preferences, a session).
 Usage: make_seeds.py SOURCE_DIR OUT_DIR   (OUT_DIR/<target>/ per target)"""

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Number handling of the panel utilities: digit counts, localized numbers with decimals, and
 // a length- and character-limited field given pasted text.
 #include <fuzzer/FuzzedDataProvider.h>

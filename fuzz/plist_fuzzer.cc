@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The property-list reader on arbitrary bytes (XML and binary), and the writers on what
 // it accepts: a value that parses must write as XML and as binary and read back the same.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The PPD layer on mutated PPD text: the file is opened as the vocabulary layer opens a
 // printer's PPD, its installable options loaded and a menu filled for every option the
 // panels use; the command-line host reads its defaults and choices from the same file.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Session files: any file loads or is refused with a reason; a session that loads saves and
 // loads back with the same form.
 #include <cstddef>

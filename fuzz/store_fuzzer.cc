@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The watermark store and the fax cover image store: the input is the store file in the
 // support folder, and every load must cope with it.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Helpers shared by the fuzz targets: one scratch folder per process, files written into
 // it, a check that stops the run, and value comparison that tolerates what a property
 // list's text form cannot carry.

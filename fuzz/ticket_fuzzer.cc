@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ticket files: any file given as a ticket loads or is refused with a reason, and a ticket
 // that loads saves and loads back equal.
 #include <cstddef>

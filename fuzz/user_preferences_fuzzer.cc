@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // User preference files: any file reads as a dictionary (empty when it is none), and that
 // dictionary writes and reads back the same.
 #include <cstddef>

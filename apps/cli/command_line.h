@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // varno-print's command line: what the user asked for, checked before anything runs.
 #pragma once
 

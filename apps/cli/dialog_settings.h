@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The settings varno-print can change, and how it changes them: on the open (headless)
 // Print dialog, by the control event a person would cause, after showing the panel that
 // holds the control. Choices are named by PPD choice keyword or shown text, in any case.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ppd_defaults.h"
 
 #include "platform/print/ppd_calls.h"

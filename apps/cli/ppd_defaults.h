@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the command-line host reads from the printer's PPD itself: each option's default
 // choice, for the ticket, and its choices by keyword and text, to name them on the
 // command line.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // varno-print: the command-line host. It loads the plug-in bundle the way a printing
 // framework does, opens the Print dialog (headless) on a printer — the bundled sample
 // printer unless told otherwise — makes the choices given on the command line as a person

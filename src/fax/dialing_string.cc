@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "fax/dialing_string.h"
 
 namespace varno::fax {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dialing strings: the characters of a fax number that the device actually dials, and the
 // device's limit on how many it dials per recipient, prefix and calling card included.
 #pragma once

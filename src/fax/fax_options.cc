@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "fax/fax_options.h"
 
 #include "vocabulary/setting_maps.h"

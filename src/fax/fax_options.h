@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fax options of a LAN fax job: one dictionary under "com.varno.print.FaxOptions",
 // changed in place by the set-up dialog. Absent keys have the defaults noted below.
 #pragma once

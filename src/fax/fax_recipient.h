@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One fax recipient of a LAN fax job and its ticket form, a dictionary of the recipient's
 // strings under the keys below. Recipients are shared by reference counting: lists, the
 // set-up dialog and the dialing-length check each hold references to the same object, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The recipients of a LAN fax job, in the order the user listed them, and their ticket
 // form: an array of recipient dictionaries under "com.varno.print.FaxRecipientList".
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "fax/lan_fax_setup.h"
 
 namespace varno::fax {

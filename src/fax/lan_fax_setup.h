@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The LAN fax set-up dialog, where the user edits a fax job's options and recipients.
 #pragma once
 

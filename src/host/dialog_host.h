@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dialog host: the one pane the printing framework sees. It loads the built-in panels,
 // fans every framework call out to them in table order, switches between them with a
 // selector pop-up and previous/next buttons, adds its own ticket entries and guards OK.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dialog host's own entries in the print-settings ticket: the interface options every
 // job carries, the controller it is meant for, who sent it from where, and the colour
 // mode that fax jobs force.

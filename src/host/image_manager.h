@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The host's pictures: files of the bundle's Resources folder found by name, each looked
 // up once per dialog. A renderer paints the file a control's picture name resolves to.
 #pragma once

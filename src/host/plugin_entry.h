@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in's exported entry: the factory that the framework calls by name, the
 // instance it makes (an IUnknown with its own embedded function table), and the
 // reference-counted PDE interface objects that QueryInterface hands out.

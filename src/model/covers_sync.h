@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The covers in the ticket: their dictionaries and the PPD options "VNFrontCoverSheet" and
 // "VNBackCoverSheet", which tell the printer which tray each cover comes from.
 #pragma once

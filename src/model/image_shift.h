@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Image shift options: how far the image is moved on the front and back of the sheet. The
 // record lives inside every exception page and is written under
 // "com.varno.print.ImageShiftOptionsPage" in the page's ticket form.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Transparency separators: the sheet put between transparencies (none, blank or printed)
 // and the tray it comes from. The choice travels only as the PPD options
 // "VNSlipSheetPrint" and "VNSlipSheetSource" of the print-settings ticket; the panel keeps

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lists of special pages: inserts kept in page order, and exception ranges kept sorted and
 // free of overlaps, the newest range winning where two meet. A list owns its pages and
 // stores clones of what it is given.

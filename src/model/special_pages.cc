@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "model/special_pages.h"
 
 #include "platform/print/ticket_access.h"

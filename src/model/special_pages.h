@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Special pages: pages of the job printed on a stock other than the job's own. Covers,
 // inserts (blank sheets put in after a page) and exception page ranges, each with its
 // ticket form. Lists of them are in special_page_lists.h.

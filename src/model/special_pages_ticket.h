@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the Special Pages panel keeps its pages in the print-settings ticket: the insert
 // and exception lists as arrays of page dictionaries, each cover as one dictionary.
 #pragma once

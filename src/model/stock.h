@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Stock: one paper stock (size, type, colour, weight and the finer attributes set by the
 // stock-description dialogs) and its ticket form, the dictionary in which a stock travels
 // inside the print-settings ticket under whatever key its owner chooses.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The getters of the built-in panels still to come; Image Options and Advanced have their own.
 // Each of these only makes and frees its context (title, kind, creator); controls, ticket
 // handling and summaries come with each panel's own work.

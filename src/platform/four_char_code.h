@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Four-character codes: the signatures, commands, event classes and tags that the
 // print framework and the toolkit both name by four letters ("pde ", "ok  ", "cntl").
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Status codes shared by every layer. Zero is success; the values are those the panels and
 // hosts have always used, so a status read in a log means the same thing everywhere.
 #pragma once

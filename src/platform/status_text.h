@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Status codes in words: what went wrong, for every message a person sees, as libcups'
 // ppdErrorString does for PPD errors. The number follows in brackets for a bug report.
 #pragma once

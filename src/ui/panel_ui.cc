@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/panel_ui.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // User-interface pieces every panel shares: text fields that limit what can be typed and
 // announce whether their content is long enough, the modal dialog that asks for one
 // custom value, localized titles with format arguments, the printer's custom paper size

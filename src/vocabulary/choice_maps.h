@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Choice maps: the numbers the panels store for the choice keywords of PPD options, and the
 // main-keyword map that tells which choice map serves which PPD option. Constant data.
 #pragma once

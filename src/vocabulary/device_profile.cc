@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "vocabulary/device_profile.h"
 
 #include "platform/plist/file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The device feature database: the bundle's own description of the device ("Device
 // Profile.plist"), beside the PPD. Features have properties and a syntax ("Keyword",
 // "Name" or "Number") with an optional default.

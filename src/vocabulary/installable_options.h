@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Installable options: how the printer is configured (trays, finisher, fax card), read from
 // the PPD's "InstallableOptions" group, and the installed-feature table that asks about it.
 //

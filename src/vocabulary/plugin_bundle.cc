@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "vocabulary/plugin_bundle.h"
 
 namespace varno::vocabulary {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plug-in's own bundle, where its string tables, interface files, pictures and device
 // profile live. Kept with the vocabulary, its lowest user: the device profile and the
 // shared PPD's localizer are read from it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PPD access: the shared PPD of the current printer, choices kept in the ticket's PPD
 // dictionary, conversion between choice keywords and the numbers the panels store, and
 // menus filled from a PPD option's choices.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "vocabulary/setting_maps.h"
 
 #include <algorithm>

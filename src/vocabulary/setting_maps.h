@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Setting maps: the vocabulary of every pop-up menu. A map ties the items of one menu to the
 // numbers stored in the ticket; its rows are constant data, ended by a row whose key is null.
 #pragma once

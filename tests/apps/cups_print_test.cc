@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // varno-print and lp printing through a private CUPS scheduler whose queue's only filter
 // records the options argument and PPD it is given: they must carry the very ticket
 // varno-print saved, and the PPD choices a driver marks must be the ticket's.

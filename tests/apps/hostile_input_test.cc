@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hostile files, as fuzzing found them, given to varno-print and to the stores and
 // preference files: each is refused (or, if well formed, used) in time, with one clear
 // line, and never crashes or hangs. Every case runs in a child process with a time limit,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // varno-print run as a user runs it: a separate process, its output and exit status.
 #include <gtest/gtest.h>
 #include <sys/wait.h>

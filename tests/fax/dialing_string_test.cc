@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dialing strings and the per-recipient dialing limit.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fax recipients, their lists and ticket forms, and the fax options' send-speed round trip.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dialog host as the printing framework drives it: the real plug-in bundle loaded by
 // the framework driver into a headless window, plus the host's ticket entries and OK
 // check on fixed inputs.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The product plug-in as a host meets it: loaded from its bundle with dlopen, made by the
 // factory its Info.plist registers, asked for interfaces through its own function table.
 #include <gtest/gtest.h>

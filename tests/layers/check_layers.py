@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Checks that the code keeps to its layers.
 
 Reports, as "file:line: why", every include under src/ and apps/ of a header from a folder

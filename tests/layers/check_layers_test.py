@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """The layer check on small source trees: which includes and mentions it reports."""
 import pathlib
 import sys

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Randomised checks against simple models of the expected result, with fixed seeds so
 // that a failure can be replayed.
 #include <random>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Separators travel only as two PPD choices of the ticket; the panel's stock carries the tray.
 #include "model/separators.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Advanced panel inside the real plug-in bundle, loaded by the framework driver into a
 // headless window and reached through the dialog host's selector, as a user reaches it.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The colour options record: setter ranges and its ticket dictionary.
 #include <gtest/gtest.h>
 

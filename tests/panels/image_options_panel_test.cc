@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Image Options panel inside the real plug-in bundle, loaded by the framework driver
 // into a headless dialog and reached through the host's selector, as a user reaches it.
 #include <gtest/gtest.h>

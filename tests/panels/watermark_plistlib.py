@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Python's plistlib as another tool that reads and writes the watermark store.
 
   watermark_plistlib.py check-and-copy IN OUT   check every record's value types in IN,

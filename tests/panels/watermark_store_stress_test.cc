@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Several processes on one store: concurrent writers and writers killed at random points
 // must never leave a file that other users cannot read.
 //

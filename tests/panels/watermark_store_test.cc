@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The watermark store on real files in a temporary support folder.
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The second process of the store's concurrency tests. The store folder comes from
 // VARNO_SUPPORT_DIR, as for every program of the product.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records the store tests and their worker program both make: every field follows from the
 // name and a number (kept in xPos), so a reader can tell a whole record from a mixed one.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A minimal plug-in bundle for tests that need string tables of their own: Info.plist with
 // an identifier and English as development region, and an English Localizable table.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The real plug-in bundle loaded by the framework driver into a headless Print dialog: a
 // shown window with the parent pane the framework hands the plug-in, and a session.
 #pragma once

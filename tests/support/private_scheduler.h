@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A CUPS scheduler of a test's own: cupsd on 127.0.0.1 with a free port, its configuration,
 // spool and logs in a fresh folder, and queues whose filter records the job's options
 // argument and PPD instead of printing. Needs root (cupsd runs filters as lp) and cupsd.

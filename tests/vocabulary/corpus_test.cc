@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Robustness of the PPD layer on real PPDs of another maker: Debian's HP PostScript
 // driver package, about 475 files of every age and style. Each is opened, its installable
 // options loaded and a menu filled for every option the panels use.

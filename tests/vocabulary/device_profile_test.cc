@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The device feature database over the bundle's own "Device Profile.plist".
 #include "vocabulary/device_profile.h"
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes every PPD of a pyppd-built CUPS driver program (such as Debian's postscript-hp)
 below a folder, as <folder>/<path of the PPD in the driver's URIs>.
 

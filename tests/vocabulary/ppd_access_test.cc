@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PPD access: choice keywords and ticket numbers, choices kept in the ticket, texts and menus
 // from a PPD's options, the installed options, and the shared PPD of the session's printer.
 #include "vocabulary/ppd_access.h"

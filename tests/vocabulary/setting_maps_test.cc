@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Setting maps: lookups between menu positions and ticket values, menus and pop-ups filled
 // from maps (with installed options and input history), and the English string tables.
 #include "vocabulary/setting_maps.h"

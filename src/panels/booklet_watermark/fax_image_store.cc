@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "panels/booklet_watermark/fax_image_store.h"
 
 #include "panels/booklet_watermark/watermark_store.h"

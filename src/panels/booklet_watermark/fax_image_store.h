@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fax cover image store: the cover-sheet set-up keeps its images as watermark records
 // (a picture record: file name and path, position, scale) in a store file of its own,
 // through the same routines as the watermark store.

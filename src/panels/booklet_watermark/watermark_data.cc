@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "panels/booklet_watermark/watermark_data.h"
 
 #include <algorithm>

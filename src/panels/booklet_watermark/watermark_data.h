@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One watermark: the fixed-size record the panel, the editor and the drawing code share,
 // and its dictionary form in the watermark store.
 //

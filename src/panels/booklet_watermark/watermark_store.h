@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The watermark store: one XML property-list file in the machine-wide support folder,
 // shared by every user of the machine, holding the watermark list, one record per
 // watermark and converted font data. The same routines, given another file name, keep the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The modal About dialog: the product's name and version from the bundle's Info.plist.
 #pragma once
 

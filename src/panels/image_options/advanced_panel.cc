@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "panels/image_options/advanced_panel.h"
 
 #include <array>

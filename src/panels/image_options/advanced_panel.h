@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Advanced panel: booklet image order, banner sheet, request offset and bypass-tray
 // feed edge, each a pop-up menu, plus an "About..." button.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "panels/image_options/full_color_options.h"
 
 #include <utility>

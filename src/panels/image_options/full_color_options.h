@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The colour adjustments of a job and their ticket form, a dictionary that the colour-options
 // panel keeps in the ticket. Every number field starts as kUnsetValue and is left out of the
 // dictionary until it is set; setters that check a range refuse with paramErr and change

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Image Options panel: image quality ("VNOutputMode"), the toner saver ("VNEconomode",
 // the "Conserve Dry Ink" check box) and the invert-image choices, each with a picture
 // that follows the current choice.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The invert-image component: the negative and mirror flags of a job and their ticket
 // entry "com.varno.print.InvertImageOptions", a dictionary {"NegativeImage", "MirrorImage"}
 // of 1 or 0. Panels that show the choices keep the flags; the component reads and writes

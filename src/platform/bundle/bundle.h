@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bundles: a plug-in (or any loadable package) as a folder with a fixed layout.
 //
 //   Name.plugin/Contents/Info.plist                 identifier, executable, factories ...

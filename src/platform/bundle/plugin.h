@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The component plug-in model: a bundle's Info.plist maps plug-in types to factories
 // (CFPlugInTypes: type UUID -> [factory UUID ...]) and factories to exported function
 // names (CFPlugInFactories: factory UUID -> "FunctionName"). A factory makes an instance

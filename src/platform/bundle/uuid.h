@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UUIDs as the plug-in model uses them: sixteen bytes that name plug-in types, factories
 // and interfaces. The value is passed by value across the plug-in boundary, so it is a
 // plain 16-byte struct with no padding and no virtual anything.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reader for binary property lists ("bplist00"). Every offset, length and object
 // reference is checked against the file before use; containers are walked with an
 // explicit stack that also detects cycles, and every materialised value counts against

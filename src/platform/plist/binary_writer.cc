@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writer for binary property lists ("bplist00"), exact for every kind: integers as signed
 // 8 bytes when negative, reals and dates as float64, non-ASCII strings as UTF-16BE.
 // Objects are numbered breadth-first, so a container's children have consecutive numbers

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pieces shared by the XML and binary readers and writers: UTF-8 checks, date fields,
 // base64, and the budget that bounds what one input may make us allocate.
 // Internal to platform/plist.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Property-list files: reading (XML or binary) and writing (XML or binary) with our own
 // bounded, non-recursive readers and writers (formats.h).
 //

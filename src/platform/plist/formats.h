@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two file forms, each read and written without recursion and within kMaxDepth.
 // Internal to platform/plist: callers use Parse, ToXML and ToBinary in file.h.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Unicode text rules shared by every layer: case-insensitive comparison with full case
 // folding, and character counts for limits on user input (characters, not bytes).
 #pragma once

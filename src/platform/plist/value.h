@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Property-list values: the data model of tickets, sessions, string tables and stores.
 //
 // Arrays and dictionaries are shared handles: copying one shares the container, the way

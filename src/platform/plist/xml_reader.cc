@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reader for XML property lists: one pass over the bytes with an explicit stack of open
 // containers, so hostile nesting costs a refusal, never the process's stack.
 #include <charconv>

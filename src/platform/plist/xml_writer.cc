@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writer for XML property lists, in the layout this system has always written (header
 // lines, tab indentation, base64 lines narrowing with depth), so saved files stay
 // byte-for-byte comparable between versions. Iterative: an explicit stack of containers.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Jobs on a CUPS queue, and a user's saved default options for it (the lpoptions file
 // that libcups keeps in the user's $HOME/.cups, root's included).
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The framework driver: plays the printing framework's part towards a PDE plug-in.
 //
 // It loads the plug-in bundle, makes an instance with the factory registered for the PDE

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The printing framework's own entries in the print-settings ticket: what it records of
 // every job besides the plug-ins' entries. Panels read them (a saved job is named after
 // the job), and the hosts fill them from what the person asked for.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/print/job_options.h"
 
 #include <cups/cups.h>

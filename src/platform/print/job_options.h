@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a print-settings ticket travels to the driver as CUPS job options, and back.
 //
 // Each entry of the ticket's PPD dictionary becomes the PPD option of that name with its

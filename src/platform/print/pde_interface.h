@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The print-dialog-extension (PDE) plug-in interface, shared by the plug-in and every
 // program that loads it.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/print/ppd_calls.h"
 
 // Deliberately not _CUPS_NO_DEPRECATED: with clang that turns the declarations into

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Thin wrappers over libcups' PPD functions. libcups marks its whole PPD API deprecated,
 // yet it is still the only library that reads, marks and fetches PPD files; every call
 // in the project goes through here so that the warning is silenced in one file and

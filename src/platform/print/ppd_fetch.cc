@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fetching a queue's PPD with libcups.
 #include "platform/print/ppd_fetch.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fetching a CUPS queue's PPD into a private temporary file (internal to platform/print).
 #pragma once
 

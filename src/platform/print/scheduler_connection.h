@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A connection to a CUPS scheduler, named as users name one (internal to platform/print).
 #pragma once
 

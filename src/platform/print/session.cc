@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Print sessions and their file form.
 //
 // A session is written as a property-list dictionary:

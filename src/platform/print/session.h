@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The print session: the three tickets of one Print dialog and the current printer.
 //
 // The tickets are session data items under the names the panels use; reading an item

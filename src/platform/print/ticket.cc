@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tickets and their file form.
 //
 // A ticket is written as a property-list dictionary:

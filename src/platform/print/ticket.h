@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tickets: the ordered maps of job settings that travel with a print session.
 //
 // Each item holds a value (or a nested ticket), the client identifier of its writer and a

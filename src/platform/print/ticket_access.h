@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ticket and session access: the small set of functions through which the dialog host, the
 // panels and the records below them reach the current print session, its tickets and plain
 // property-list dictionaries.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the product keeps its files: the user's preferences folder and the machine-wide
 // application-support folder. Finding a folder never creates it; CreateFolder does.
 #pragma once

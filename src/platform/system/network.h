@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The machine's primary IPv4 interface and address, and the small key/value view of them
 // that the dialog host reads. Parsing is split from reading so it can be tested on fixed
 // inputs; the live functions read /proc and getifaddrs and degrade to nullopt.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Helpers shared by the system sources; not part of the public interface.
 #pragma once
 

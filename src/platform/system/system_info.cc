@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/system/system_info.h"
 
 #include <systemd/sd-login.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Who is at the machine and what the machine is called, as the hosts put them into the
 // client information of a job. Every answer degrades to nullopt; nothing here throws.
 #pragma once

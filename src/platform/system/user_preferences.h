@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Per-user preference files: whole property-list dictionaries in the user's preferences
 // folder, read, changed and rewritten by their callers (the last writer wins).
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Alerts, notices, beeps and help requests, through a presenter.
 //
 // Headless, the presenter records everything and answers alerts from a queue of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The application: the last event target of every chain, and the owner of the source of
 // user actions that modal loops run on.
 //

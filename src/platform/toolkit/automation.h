@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The automation API: what a person does, done by tests and varno-print.
 //
 // Each action sends the events a person's action would cause, in the same order, so

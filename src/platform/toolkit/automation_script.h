@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The headless event source: a queue of scripted user actions for modal loops.
 //
 // Each step runs against the window of the modal loop that asks for the next action and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Change notification: how a renderer hears of every visible change of a control or menu.
 //
 // A signal keeps a list of callbacks; subscribing returns a Subscription that removes

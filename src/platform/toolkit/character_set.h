@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The characters (Unicode code points) a text field accepts. A plain value: the fields that
 // enforce it and the records that check text against it share one definition.
 #pragma once

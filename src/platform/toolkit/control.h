@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Controls: the nodes of a window's tree.
 //
 // Every control has a kind, an ID, bounds (in its parent's coordinates), one text (the

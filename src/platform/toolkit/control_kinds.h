@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kinds of control and what each kind can do, in one table.
 #pragma once
 

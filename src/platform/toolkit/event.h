@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Events: a class and a kind (four-character code and number) and named parameters.
 //
 // Parameters are typed bytes, as they travel between code that knows nothing of each

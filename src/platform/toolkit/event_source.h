@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where modal loops take the user's actions from.
 //
 // Headless, the source is a script of automation steps (automation_script.h); a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Event targets and handler chains.
 //
 // Controls (windows included) and the application are targets. A handler is installed on

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Interface files: windows and their controls described in XML property lists.
 //
 // A bundle keeps them in its resources as "<name>.interface.plist" (a localized folder

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // List views: rows of the caller's items shown in columns.
 //
 // The list holds only item identifiers (the caller's own values, often pointers to its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Menus: the item lists of pop-up buttons, bevel buttons, combo boxes and tab controls.
 //
 // Items are numbered from 1. Each has a text, a command (a four-character code that a

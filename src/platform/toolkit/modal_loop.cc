@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Modal loops of windows (declared in window.h).
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/automation.h"

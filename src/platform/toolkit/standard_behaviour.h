@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The standard behaviour: what happens to an event that every handler passed on.
 //
 // One table by event type, and for a click one by kind (standard_behaviour.cc):

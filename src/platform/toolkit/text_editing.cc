@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/toolkit/text_editing.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Editing a one-line text field by typed characters, counted in characters (code points).
 #pragma once
 

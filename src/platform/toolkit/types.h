@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The small value types of the toolkit: four-character codes, control IDs, rectangles,
 // part codes and text ranges. Everything here is plain data.
 #pragma once

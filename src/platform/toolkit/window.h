@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Windows: the root control of a tree, with the keyboard focus, the default and cancel
 // buttons, modal loops and the subscribers that mirror the tree.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the bundle tests share: where the test plug-in bundle is built, and a guard that
 // sets environment variables for one scope.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The XML and binary readers and writers: hostile inputs are refused with a message that
 // names the fault, and every kind of value survives both forms exactly.
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files written here must be read by other property-list readers, and theirs by us.
 #include <gtest/gtest.h>
 #include <sys/wait.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A ticket as CUPS job options and back: what a filter decodes must equal what was sent,
 // whatever the keys, and damaged or foreign options must never be misread.
 #include "platform/print/job_options.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Readable failure output for tickets and printers in the print tests (gtest would
 // otherwise print their bytes).
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Handler chains, the standard behaviours, focus, typing, disposal and modal loops, driven
 // through the automation API as a person's actions would be.
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Interface files: every kind of control built from one file, found by ID, and every way a
 // file can be missing or wrong ending in a failing status.
 #include <gtest/gtest.h>

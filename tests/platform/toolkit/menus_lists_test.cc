@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Menus, list views, change notification and the state read-back that tests and renderers
 // rely on.
 #include <gmock/gmock.h>

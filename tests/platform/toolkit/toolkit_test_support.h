@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the toolkit tests share: a shown window with controls added by kind and ID, and a
 // clean slate of process-wide scripting and recordings for each test.
 #pragma once

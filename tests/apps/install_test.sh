@@ -1,0 +1,55 @@
+#!/bin/sh
+# SPDX-License-Identifier: Apache-2.0
+# Installs the project into a temporary prefix as a package would, hides the source and
+# build trees, and runs the installed varno-print on the installed sample printer: it must
+# print the same ticket as the build tree's. The installed binaries must hold no path of
+# either tree, the plug-in must export only its entry points, and the man page must render
+# and name every option of --help.
+# Usage: install_test.sh CMAKE BUILD_DIR SOURCE_DIR
+set -eu
+cmake=$1 build=$2 source=$3
+failures=0
+fail() { echo "install test: $*" >&2; failures=$((failures + 1)); }
+
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+"$cmake" --install "$build" --prefix "$prefix/usr" >/dev/null
+program="$prefix/usr/bin/varno-print"
+[ -x "$program" ] || { echo "install test: no $program after cmake --install" >&2; exit 1; }
+
+env -u VARNO_BUNDLE_PATH "$build/bin/varno-print" >"$prefix/build.plist"
+# A mount namespace of its own, with an empty folder over each tree.
+hide="mount -t tmpfs none '$source'"
+case "$build/" in "$source"/*) ;; *) hide="$hide && mount -t tmpfs none '$build'" ;; esac
+run="$hide && exec env -u VARNO_BUNDLE_PATH '$program'"
+if ! unshare --mount sh -c "$run" >"$prefix/installed.plist" 2>"$prefix/installed.err" &&
+   ! unshare --mount --map-root-user sh -c "$run" >"$prefix/installed.plist" 2>"$prefix/installed.err"; then
+  fail "the installed varno-print failed with the trees hidden: $(cat "$prefix/installed.err")"
+fi
+cmp -s "$prefix/build.plist" "$prefix/installed.plist" ||
+  fail "the installed varno-print printed another ticket than the build tree's"
+
+for binary in "$program" $(find "$prefix/usr/lib" -type f -name '*.so*') \
+              "$(find "$prefix/usr/lib" -path '*VarnoFeatures.plugin/Contents/Linux/*' -type f)"; do
+  if strings -a "$binary" | grep -F -e "$source" -e "$build" >/dev/null; then
+    fail "$binary holds a path of the source or build tree"
+  fi
+done
+
+plugin=$(find "$prefix/usr/lib" -path '*VarnoFeatures.plugin/Contents/Linux/VarnoFeatures')
+exported=$(nm -D --defined-only "$plugin" | awk '{print $3}' | sort | tr '\n' ' ')
+expected="GetAdvancedPanelInterface GetBookletWatermarkPanelInterface GetImageOptionsPanelInterface \
+GetJobNotesPanelInterface GetPDEBundle GetPaperOutputPanelInterface GetSpecialPagesPanelInterface \
+PDESync VarnoPDEPluginFactory "
+[ "$exported" = "$expected" ] || fail "the plug-in exports: $exported"
+
+page="$prefix/usr/share/man/man1/varno-print.1"
+MANWIDTH=80 man -l "$page" 2>/dev/null | grep -q "EXIT STATUS" || fail "man -l does not render $page"
+for option in $("$program" --help | grep -o -E '(^|[ ,[|])--?[A-Za-z][A-Za-z-]*' | sed 's/^[ ,[|]//' | sort -u); do
+  sed 's/\\-/-/g' "$page" | grep -q -e "$option\\b" || fail "the man page does not name $option"
+done
+[ -f "$prefix/usr/share/bash-completion/completions/varno-print" ] || fail "no bash completion installed"
+bash -n "$prefix/usr/share/bash-completion/completions/varno-print" || fail "the bash completion does not parse"
+
+[ "$failures" -eq 0 ] && echo "install test: passed" && exit 0
+exit 1
