@@ -104,12 +104,8 @@ TEST_F(AdvancedPanel, ReadingTheTicketSelectsItsChoices) {
 // The panel's own table, from the bundle's exported getter.
 TEST_F(AdvancedPanel, MissingBookletOrderFailsTheReadButSetsTheOthers) {
   OpenAdvanced();  // makes the bundle's PPD and session current
-  auto getter = driver_.bundle()->function<host::PanelInterfaceGetter>("GetAdvancedPanelInterface");
-  ASSERT_NE(getter, nullptr);
-  host::PanelInterfaceHolder* holder = nullptr;
-  ASSERT_EQ(getter(&holder), noErr);
-  std::unique_ptr<host::PanelInterface> table(holder->interface);
-  delete holder;
+  std::unique_ptr<host::PanelInterface> table = PanelTable("GetAdvancedPanelInterface");
+  ASSERT_NE(table, nullptr);
   print::PMPDEContext context = nullptr;
   ASSERT_EQ(table->Prologue(&context, nullptr, nullptr, nullptr, nullptr, nullptr), noErr);
 

@@ -63,12 +63,8 @@ TEST_F(ImageOptionsPanel, EveryPanelLoadedByAnotherHostFindsItsBundle) {
   session_->setPrinterPPD(testing::kVarnoTestPPD);
   for (const auto& [getterName, titleKey] : panels) {
     SCOPED_TRACE(getterName);
-    auto getter = bundle->function<host::PanelInterfaceGetter>(getterName);
-    ASSERT_NE(getter, nullptr);
-    host::PanelInterfaceHolder* holder = nullptr;
-    ASSERT_EQ(getter(&holder), noErr);
-    std::unique_ptr<host::PanelInterface> entries(holder->interface);
-    delete holder;
+    std::unique_ptr<host::PanelInterface> entries = PanelTable(getterName);
+    ASSERT_NE(entries, nullptr);
     print::PMPDEContext context = nullptr;
     OSType creator = 0;
     std::string kind, title;
@@ -180,12 +176,8 @@ TEST_F(ImageOptionsPanel, OnlyTheFirstOpenBuildsTheControls) {
   EXPECT_EQ(pane_->childCount(), built);
 
   // The panel's own answer, through its exported table.
-  auto getter = driver_.bundle()->function<host::PanelInterfaceGetter>("GetImageOptionsPanelInterface");
-  ASSERT_NE(getter, nullptr);
-  host::PanelInterfaceHolder* holder = nullptr;
-  ASSERT_EQ(getter(&holder), noErr);
-  std::unique_ptr<host::PanelInterface> table(holder->interface);
-  delete holder;
+  std::unique_ptr<host::PanelInterface> table = PanelTable("GetImageOptionsPanelInterface");
+  ASSERT_NE(table, nullptr);
   print::PMPDEContext context = nullptr;
   ASSERT_EQ(table->Prologue(&context, nullptr, nullptr, nullptr, nullptr, nullptr), noErr);
   Control* pane = parentPane_->embed(Control::create(toolkit::ControlKind::UserPane, {0, 0, 500, 300}));

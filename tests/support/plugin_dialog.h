@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "host/dialog_host.h"
 #include "platform/print/framework_driver.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/application.h"
@@ -40,6 +41,18 @@ class PlugInDialogTest : public ::testing::Test {
     ASSERT_EQ(driver_.prologue(), noErr) << driver_.error();
     ASSERT_EQ(driver_.initialize(session_.get(), parentPane_), noErr) << driver_.error();
     ASSERT_EQ(driver_.open(), noErr) << driver_.error();
+  }
+
+  // A panel's own entry points, from the getter the loaded bundle exports under `getter`,
+  // as a panel table that is not our host's reaches them; null (after a failure) if none.
+  std::unique_ptr<host::PanelInterface> PanelTable(const char* getter) {
+    auto get = driver_.bundle()->function<host::PanelInterfaceGetter>(getter);
+    host::PanelInterfaceHolder* holder = nullptr;
+    EXPECT_TRUE(get && get(&holder) == noErr && holder) << getter;
+    if (!holder) return nullptr;
+    std::unique_ptr<host::PanelInterface> table(holder->interface);
+    delete holder;
+    return table;
   }
 
   // Declared before the driver, which terminates the plug-in while they still exist.
