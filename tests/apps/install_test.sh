@@ -49,7 +49,15 @@ for option in $("$program" --help | grep -o -E '(^|[ ,[|])--?[A-Za-z][A-Za-z-]*'
   sed 's/\\-/-/g' "$page" | grep -q -e "$option\\b" || fail "the man page does not name $option"
 done
 [ -f "$prefix/usr/share/bash-completion/completions/varno-print" ] || fail "no bash completion installed"
-bash -n "$prefix/usr/share/bash-completion/completions/varno-print" || fail "the bash completion does not parse"
+completion="$prefix/usr/share/bash-completion/completions/varno-print"
+complete_words() {  # what the completion offers after the words given
+  PATH="$prefix/usr/bin:$PATH" bash -c '. "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1))
+    _varno_print; printf "%s\n" "${COMPREPLY[@]}"' sh "$completion" "$@"
+}
+complete_words varno-print --image-q | grep -qx -e --image-quality || fail "the completion does not offer --image-quality"
+complete_words varno-print --image-quality "" | grep -qx HighQuality ||
+  fail "the completion does not offer the printer's image qualities"
+complete_words varno-print -o Dup | grep -qx Duplex=DuplexTumble || fail "the completion does not offer the PPD's choices for -o"
 
 [ "$failures" -eq 0 ] && echo "install test: passed" && exit 0
 exit 1
