@@ -62,5 +62,17 @@ complete_words varno-print --image-quality "" | grep -qx HighQuality ||
   fail "the completion does not offer the printer's image qualities"
 complete_words varno-print -o Dup | grep -qx Duplex=DuplexTumble || fail "the completion does not offer the PPD's choices for -o"
 
+# The stores' folder, made by systemd-tmpfiles as at boot, in a scratch root that knows
+# this machine's users and groups.
+mkdir -p "$prefix/root/etc"
+cp /etc/passwd /etc/group "$prefix/root/etc/"
+if systemd-tmpfiles --create --root="$prefix/root" "$prefix/usr/lib/tmpfiles.d/varno.conf" \
+     2>"$prefix/tmpfiles.err"; then
+  made=$(stat -c '%a %U %G' "$prefix/root/var/lib/varno/Varno" "$prefix/root/var/lib/varno" | tr '\n' ' ')
+  [ "$made" = "2775 root lpadmin 755 root root " ] || fail "tmpfiles made the folders as: $made"
+else
+  fail "systemd-tmpfiles refused the installed entry: $(cat "$prefix/tmpfiles.err")"
+fi
+
 [ "$failures" -eq 0 ] && echo "install test: passed" && exit 0
 exit 1

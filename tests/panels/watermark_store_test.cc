@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -50,11 +51,26 @@ TEST_F(WatermarkStore, FilesAreSharedByAllUsersAndReplacedWhole) {
   saveWatermarkData(kWatermarkStoreFileName, NumberedRecord("A-1", 1));
   ::umask(old);
   EXPECT_EQ(Mode(folder()), 0777u) << "no sticky bit: users replace each other's files";
-  EXPECT_EQ(Mode(store()), 0666u);
+  EXPECT_EQ(Mode(store()), 0664u) << "only the folder's users replace it; nobody else rewrites it";
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder()), {}), 1)
       << "no temporary file left behind";
   EXPECT_FALSE(root()->contains(kWatermarkListEntriesKey)) << "the list is the caller's";
   EXPECT_FALSE(CopyPreferenceFileURL("../escape.plist"));
+}
+
+// The installed folder (setgid, one group) keeps its mode, and new stores take its group.
+TEST_F(WatermarkStore, AnInstalledGroupFolderKeepsItsModeAndGivesItsGroup) {
+  ASSERT_EQ(::mkdir(folder().c_str(), 0700), 0);
+  // A group the test runs without, when it may give one (as root, as in CI).
+  if (::geteuid() == 0) ASSERT_EQ(::chown(folder().c_str(), static_cast<uid_t>(-1), 4242), 0);
+  ASSERT_EQ(::chmod(folder().c_str(), 02775), 0);
+  saveWatermarkData(kWatermarkStoreFileName, NumberedRecord("A-1", 1));
+  struct stat made {}, kept {};
+  ASSERT_EQ(::stat(folder().c_str(), &kept), 0);
+  ASSERT_EQ(::stat(store().c_str(), &made), 0);
+  EXPECT_EQ(kept.st_mode & 07777, 02775u);
+  EXPECT_EQ(made.st_gid, kept.st_gid);
+  EXPECT_EQ(made.st_mode & 07777, 0664u);
 }
 
 TEST_F(WatermarkStore, LoadingFillsOnlyPresentKeysAndCutsLongTexts) {

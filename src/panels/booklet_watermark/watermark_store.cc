@@ -15,11 +15,14 @@
 namespace varno::panels {
 namespace {
 
-// Every local user who prints reads and replaces these files. Replacing goes through a
-// rename in the folder, so the folder must be writable by all of them, and it has no sticky
-// bit: with one, a user could not rename a new store over a file another user wrote.
+// Who may change the stores is decided by the folder alone, since every change replaces a
+// file by a rename there: the installed folder lets the group lpadmin do it (setgid 2775,
+// made by the package's tmpfiles.d entry); a folder this code has to make itself (no
+// installed folder, or VARNO_SUPPORT_DIR) lets every local user do it. It never has the
+// sticky bit, under which a user could not rename a new store over another user's file.
+// Files are writable by owner and group only, so nobody outside them rewrites one in place.
 constexpr mode_t kSharedFolderMode = 0777;
-constexpr mode_t kSharedFileMode = 0666;
+constexpr mode_t kSharedFileMode = 0664;
 // Damaged copies are never overwritten; past this many the save is refused instead.
 constexpr int kMaxDamagedCopies = 100;
 
