@@ -94,19 +94,6 @@ TEST(DamagedFiles, HugeFileIsRefusedWithoutReadingIt) {
   EXPECT_NE(error.find("too large"), std::string::npos) << error;
 }
 
-TEST(DamagedFiles, DeepNestingIsRefusedBeforeParsing) {
-  std::string xml = "<?xml version=\"1.0\"?><plist version=\"1.0\">";
-  for (int i = 0; i < 100000; ++i) xml += "<array>";
-  for (int i = 0; i < 100000; ++i) xml += "</array>";
-  xml += "</plist>";
-  std::string error;
-  EXPECT_FALSE(Parse(xml, &error));
-  EXPECT_NE(error.find("nested deeper"), std::string::npos) << error;
-  Value deep = Array{};
-  for (int i = 0; i < kMaxDepth + 5; ++i) deep = Array{deep};
-  EXPECT_FALSE(ToXML(deep, &error));
-}
-
 int FileCount(const TempDir& dir) {
   int files = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path())) ++files;

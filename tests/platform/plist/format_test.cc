@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The XML and binary readers and writers: hostile inputs are refused with a message that
 // names the fault, and every kind of value survives both forms exactly.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <cmath>
-#include <future>
 #include <limits>
 
 #include "platform/plist/file.h"
@@ -18,7 +13,6 @@ namespace varno::plist {
 namespace {
 
 using varno::testing::ReadAll;
-using varno::testing::TempDir;
 
 // The inputs fuzzing found, kept once for the fuzz targets and the tests.
 const std::string kHostile = std::string(VARNO_FUZZ_REGRESSIONS) + "/";
@@ -287,26 +281,6 @@ TEST(Writers, XMLKeepsTheLayoutOfEarlierVersions) {
   for (int i = 0; i < 10; ++i) nested = Array{nested};
   const std::string xml = ToXML(nested).value_or("");
   EXPECT_NE(xml.find("\n\t\t\t\t\t\t\t\tAAAAAAAAAAAA\n"), std::string::npos) << xml;
-}
-
-TEST(ReadingFiles, AFIFOIsRefusedAtOnce) {
-  TempDir dir;
-  const std::filesystem::path fifo = dir / "pipe.plist";
-  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-  auto reading = std::async(std::launch::async, [&] {
-    std::string error;
-    bool read = ReadFile(fifo, &error).has_value();
-    return std::make_pair(read, error);
-  });
-  if (reading.wait_for(std::chrono::seconds(5)) != std::future_status::ready) {
-    // Release the blocked reader so the test can end, then fail.
-    int fd = ::open(fifo.c_str(), O_WRONLY | O_NONBLOCK);
-    if (fd >= 0) ::close(fd);
-    FAIL() << "ReadFile blocked on a FIFO";
-  }
-  auto [read, error] = reading.get();
-  EXPECT_FALSE(read);
-  EXPECT_NE(error.find("is not a regular file (a FIFO)"), std::string::npos) << error;
 }
 
 }  // namespace

@@ -49,30 +49,6 @@ Dictionary Sample() {
   };
 }
 
-TEST(Interoperability, PlistlibReadsOurFilesWithEveryValueIntact) {
-  TempDir dir;
-  ASSERT_TRUE(WriteFile(dir / "ours.plist", Sample()));
-  // plistlib reads our file and writes what it understood; reading that back must give
-  // exactly what we wrote, kinds included.
-  ASSERT_EQ(Peer("roundtrip", dir / "ours.plist", dir / "theirs.plist"), 0);
-  std::string error;
-  std::optional<Dictionary> back = ReadDictionaryFile(dir / "theirs.plist", &error);
-  ASSERT_TRUE(back) << error;
-  EXPECT_EQ(*back, Sample());
-}
-
-TEST(Interoperability, PlistutilConvertsOurFilesBothWays) {
-  TempDir dir;
-  ASSERT_TRUE(WriteFile(dir / "ours.plist", Sample()));
-  ASSERT_EQ(ToBinary(dir / "ours.plist", dir / "bin.plist"), 0);
-  std::string error;
-  std::optional<Dictionary> fromBinary = ReadDictionaryFile(dir / "bin.plist", &error);
-  ASSERT_TRUE(fromBinary) << error;
-  EXPECT_EQ(*fromBinary, Sample());
-  // And plistlib agrees that the binary form holds the same values as ours.
-  EXPECT_EQ(Peer("compare", dir / "ours.plist", dir / "bin.plist"), 0);
-}
-
 TEST(Interoperability, PlistlibFilesAreReadAndWrittenBackEqual) {
   TempDir dir;
   ASSERT_EQ(Peer("make", dir / "theirs.plist"), 0);
