@@ -44,9 +44,8 @@ int Fail(const std::string& message, int status = kExitFailure) {
 }
 
 // Informational lines (which printer and plug-in, what was saved) are shown with -v only.
-bool gVerbose = false;
-void Say(const std::string& line) {
-  if (gVerbose) std::cerr << "varno-print: " << line << "\n";
+void Say(const Options& options, const std::string& line) {
+  if (options.verbose) std::cerr << "varno-print: " << line << "\n";
 }
 
 // The PPD maker whose printers the plug-in serves; the plug-in refuses any other.
@@ -92,7 +91,7 @@ std::unique_ptr<print::Session> OpenSession(const Options& options, std::string&
 }
 
 // The printer's PPD, for its default choices and the names of its options.
-int ReadPrinter(print::Session& session, cli::PPDDefaults& ppd) {
+int ReadPrinter(const Options& options, print::Session& session, cli::PPDDefaults& ppd) {
   std::string error;
   std::optional<std::filesystem::path> path = session.ppdPath(&error);
   if (!path) return Fail(error);
@@ -100,7 +99,7 @@ int ReadPrinter(print::Session& session, cli::PPDDefaults& ppd) {
   if (ppd.manufacturer != kPrinterMaker)
     return Fail(path->string() + ": this printer's PPD is not a Varno PPD (its manufacturer is \"" +
                 ppd.manufacturer + "\"); choose a Varno printer with -P QUEUE or --ppd FILE");
-  Say("printer " + ppd.nickName + " (" + path->string() + ")");
+  Say(options, "printer " + ppd.nickName + " (" + path->string() + ")");
   return 0;
 }
 
@@ -120,7 +119,7 @@ int ApplyQueueDefaults(const Options& options, const cli::PPDDefaults& ppd,
   plist::Dictionary choices = ticket.ppdDictionary();
   for (const print::JobOption& option : print::PlainJobOptions(*defaults))
     if (ppd.choicesOf(option.name)) choices.set(option.name, option.value);
-  Say("started from the defaults of queue " + *options.queue + " (" +
+  Say(options, "started from the defaults of queue " + *options.queue + " (" +
       std::to_string(entries->size()) + " ticket entries)");
   return 0;
 }
@@ -223,7 +222,7 @@ int RunDialog(const Options& options, const cli::PPDDefaults& ppd, print::Sessio
   if (driver.loadByIdentifier(vocabulary::kPlugInBundleIdentifier) != noErr) return Fail(driver.error());
   print::PMPDEVersion version{};
   driver.getAPIVersion(version);
-  Say(std::string("plug-in ") + vocabulary::kPlugInBundleIdentifier + " from " +
+  Say(options, std::string("plug-in ") + vocabulary::kPlugInBundleIdentifier + " from " +
       driver.bundle()->path().string() + " (interface " +
       std::to_string(version.buildVersionMajor) + "." + std::to_string(version.buildVersionMinor) + ")");
   if (driver.prologue() != noErr || driver.initialize(&session, pane) != noErr ||
@@ -262,12 +261,12 @@ int Deliver(const Options& options, print::Session& session) {
   const print::Ticket ticket = session.printSettings();
   if (options.save) {
     if (!session.save(*options.save, &error)) return Fail(error);
-    Say("session saved to " + *options.save);
+    Say(options, "session saved to " + *options.save);
   }
   // Saved before anything reaches a scheduler, so a refused job loses no settings.
   if (options.saveTicket) {
     if (!ticket.save(*options.saveTicket, &error)) return Fail(error);
-    Say("ticket saved to " + *options.saveTicket);
+    Say(options, "ticket saved to " + *options.saveTicket);
   }
   std::optional<std::vector<print::JobOption>> jobOptions = print::TicketToJobOptions(ticket, &error);
   if (!jobOptions) return Fail("the ticket cannot become job options: " + error);
@@ -277,7 +276,7 @@ int Deliver(const Options& options, print::Session& session) {
 
   if (options.saveDefaults) {
     if (!print::SaveQueueDefaults(destination, server, *jobOptions, &error)) return Fail(error);
-    Say("the ticket is now the default of " + destination);
+    Say(options, "the ticket is now the default of " + destination);
   }
   // The scheduler prints copies itself; the ticket's entry tells the panels.
   if (options.copies) jobOptions->push_back({"copies", std::to_string(*options.copies)});
@@ -304,7 +303,7 @@ int Run(const Options& options) {
   std::unique_ptr<print::Session> session = OpenSession(options, error);
   if (!session) return Fail(error);
   cli::PPDDefaults ppd;
-  if (int status = ReadPrinter(*session, ppd)) return status;
+  if (int status = ReadPrinter(options, *session, ppd)) return status;
   if (StartsFromDefaults(options))
     if (int status = ApplyQueueDefaults(options, ppd, *session)) return status;
   AddPrinterDefaults(ppd, *session);
@@ -327,6 +326,5 @@ int main(int argc, char** argv) {
     std::cout << "varno-print " VARNO_VERSION "\n";
     return 0;
   }
-  gVerbose = options->verbose;
   return Run(*options);
 }
