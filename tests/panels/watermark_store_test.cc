@@ -62,7 +62,9 @@ TEST_F(WatermarkStore, FilesAreSharedByAllUsersAndReplacedWhole) {
 TEST_F(WatermarkStore, AnInstalledGroupFolderKeepsItsModeAndGivesItsGroup) {
   ASSERT_EQ(::mkdir(folder().c_str(), 0700), 0);
   // A group the test runs without, when it may give one (as root, as in CI).
-  if (::geteuid() == 0) ASSERT_EQ(::chown(folder().c_str(), static_cast<uid_t>(-1), 4242), 0);
+  if (::geteuid() == 0) {
+    ASSERT_EQ(::chown(folder().c_str(), static_cast<uid_t>(-1), 4242), 0);
+  }
   ASSERT_EQ(::chmod(folder().c_str(), 02775), 0);
   saveWatermarkData(kWatermarkStoreFileName, NumberedRecord("A-1", 1));
   struct stat made {}, kept {};
