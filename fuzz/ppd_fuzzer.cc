@@ -9,7 +9,7 @@
 
 #include "platform/print/ppd_calls.h"
 #include "platform/toolkit/menu.h"
-#include "ppd_defaults.h"
+#include "common/ppd_defaults.h"
 #include "support.h"
 #include "vocabulary/choice_maps.h"
 #include "vocabulary/installable_options.h"
@@ -31,9 +31,9 @@ namespace ppdcall = print::ppdcall;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::filesystem::path file = fuzz::WriteScratchFile("input.ppd", fuzz::AsText(data, size));
 
-  cli::PPDDefaults defaults;
+  hosts::PPDDefaults defaults;
   std::string error;
-  if (!cli::ReadPPDDefaults(file, defaults, error))
+  if (!hosts::ReadPPDDefaults(file, defaults, error))
     fuzz::Check(!error.empty(), "a refused PPD comes without a reason");
 
   ppdcall::FilePtr ppd = ppdcall::Open(file);

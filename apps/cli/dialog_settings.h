@@ -10,11 +10,14 @@
 #include <string_view>
 #include <vector>
 
+#include "common/ppd_defaults.h"
 #include "platform/toolkit/control.h"
 #include "platform/toolkit/window.h"
-#include "ppd_defaults.h"
 
 namespace varno::cli {
+
+using hosts::PPDChoice;
+using hosts::PPDDefaults;
 
 struct SettingOption {
   const char* name;        // the command-line option without its leading "--"

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "command_line.h"
+#include "common/job_setup.h"
 #include "dialog_settings.h"
 #include "platform/plist/file.h"
 #include "platform/plist/text.h"
@@ -25,7 +26,6 @@
 #include "platform/print/job_options.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"
-#include "ppd_defaults.h"
 #include "vocabulary/plugin_bundle.h"
 
 namespace {
@@ -46,18 +46,6 @@ int Fail(const std::string& message, int status = kExitFailure) {
 // Informational lines (which printer and plug-in, what was saved) are shown with -v only.
 void Say(const Options& options, const std::string& line) {
   if (options.verbose) std::cerr << "varno-print: " << line << "\n";
-}
-
-// The PPD maker whose printers the plug-in serves; the plug-in refuses any other.
-constexpr std::string_view kPrinterMaker = "Varno";
-
-// The sample printer's PPD: installed beside the program, or in the source tree of a build.
-// It lies at the same place relative to the program in an installed tree and in the build
-// tree, so no absolute path is compiled in.
-std::filesystem::path SamplePPD() {
-  std::error_code ec;
-  const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
-  return (exe.parent_path() / VARNO_SAMPLE_PPD_FROM_PROGRAM).lexically_normal();
 }
 
 void PrependBundlePath(const std::string& dir) {
@@ -86,26 +74,23 @@ std::unique_ptr<print::Session> OpenSession(const Options& options, std::string&
   else if (options.queue)
     session->setPrinterQueue(print::SplitDestination(*options.queue).queue, options.server.value_or(""));
   else if (session->printer().kind == print::Printer::Kind::None)
-    session->setPrinterPPD(SamplePPD().string());
+    session->setPrinterPPD(hosts::SamplePPD().string());
   return session;
 }
 
 // The printer's PPD, for its default choices and the names of its options.
-int ReadPrinter(const Options& options, print::Session& session, cli::PPDDefaults& ppd) {
+int ReadPrinter(const Options& options, print::Session& session, hosts::PPDDefaults& ppd) {
   std::string error;
-  std::optional<std::filesystem::path> path = session.ppdPath(&error);
-  if (!path) return Fail(error);
-  if (!cli::ReadPPDDefaults(*path, ppd, error)) return Fail(error);
-  if (ppd.manufacturer != kPrinterMaker)
-    return Fail(path->string() + ": this printer's PPD is not a Varno PPD (its manufacturer is \"" +
-                ppd.manufacturer + "\"); choose a Varno printer with -P QUEUE or --ppd FILE");
-  Say(options, "printer " + ppd.nickName + " (" + path->string() + ")");
+  std::filesystem::path path;
+  if (!hosts::ReadPrinter(session, ppd, error, &path)) return Fail(error);
+  if (!hosts::IsVarnoPrinter(ppd)) return Fail(hosts::NotVarnoMessage(path, ppd));
+  Say(options, "printer " + ppd.nickName + " (" + path.string() + ")");
   return 0;
 }
 
 // Starts the ticket from the queue's saved defaults: the ticket entries they carry and
 // the choices of the printer's own PPD options.
-int ApplyQueueDefaults(const Options& options, const cli::PPDDefaults& ppd,
+int ApplyQueueDefaults(const Options& options, const hosts::PPDDefaults& ppd,
                        print::Session& session) {
   std::string error;
   std::optional<std::vector<print::JobOption>> defaults =
@@ -124,21 +109,13 @@ int ApplyQueueDefaults(const Options& options, const cli::PPDDefaults& ppd,
   return 0;
 }
 
-// Records the printer's default choices in the ticket's PPD dictionary, keeping any
-// choice the ticket already holds (a saved ticket's choices win).
-void AddPrinterDefaults(const cli::PPDDefaults& ppd, print::Session& session) {
-  plist::Dictionary choices = session.printSettings().ppdDictionary();
-  for (const auto& [keyword, choice] : ppd.choices)
-    if (!choices.contains(keyword)) choices.set(keyword, choice);
-}
-
 // Puts the -o choices into the ticket before the dialog opens, so the panels read them as
 // a saved ticket's choices. The option and the choice are matched in any case and stored
 // as the PPD spells them; one the printer lacks is a usage error that lists what it has.
-int ApplyPPDChoices(const Options& options, const cli::PPDDefaults& ppd, print::Session& session) {
+int ApplyPPDChoices(const Options& options, const hosts::PPDDefaults& ppd, print::Session& session) {
   plist::Dictionary choices = session.printSettings().ppdDictionary();
   for (const auto& [key, value] : options.ppdChoices) {
-    const std::pair<std::string, std::vector<cli::PPDChoice>>* option = nullptr;
+    const std::pair<std::string, std::vector<hosts::PPDChoice>>* option = nullptr;
     for (const auto& candidate : ppd.options)
       if (plist::EqualCaseInsensitive(candidate.first, key)) option = &candidate;
     if (!option) {
@@ -148,9 +125,9 @@ int ApplyPPDChoices(const Options& options, const cli::PPDDefaults& ppd, print::
                       names,
                   kExitUsage);
     }
-    const cli::PPDChoice* choice = nullptr;
+    const hosts::PPDChoice* choice = nullptr;
     std::string offered;
-    for (const cli::PPDChoice& candidate : option->second) {
+    for (const hosts::PPDChoice& candidate : option->second) {
       if (plist::EqualCaseInsensitive(candidate.keyword, value)) choice = &candidate;
       offered += (offered.empty() ? "" : ", ") + candidate.keyword;
     }
@@ -169,14 +146,12 @@ std::optional<std::string> JobTitle(const Options& options) {
   return std::nullopt;
 }
 
-// The job's name and copies go into the ticket as the printing framework records them,
-// before the dialog opens, so the panels see them as in any application's dialog.
-void AddJobInfo(const Options& options, print::Session& session) {
-  print::Ticket ticket = session.printSettings();
-  if (std::optional<std::string> title = JobTitle(options))
-    ticket.setValue(print::kJobNameKey, *title, print::kFrameworkClient);
-  if (options.copies)
-    ticket.setValue(print::kCopiesKey, std::int64_t{*options.copies}, print::kFrameworkClient);
+// The job's name and copies, as the printing framework records them.
+hosts::FrameworkSettings FrameworkSettingsOf(const Options& options) {
+  hosts::FrameworkSettings settings;
+  settings.jobName = JobTitle(options);
+  settings.copies = options.copies;
+  return settings;
 }
 
 // A named instance is a saved preset: a job on it starts from its options, as lp's does,
@@ -211,7 +186,7 @@ void WarnAboutKeptTonerSaver(const Options& options, const print::Ticket& ticket
 
 // Runs the dialog on the session: Prologue, Initialize, Open, the user's choices, a Sync
 // to the ticket, then whatever output asks for the open dialog (--list, --summary).
-int RunDialog(const Options& options, const cli::PPDDefaults& ppd, print::Session& session) {
+int RunDialog(const Options& options, const hosts::PPDDefaults& ppd, print::Session& session) {
   // The dialog the plug-in draws into; declared before the driver, which closes and
   // terminates the plug-in while the window still exists.
   std::unique_ptr<toolkit::Window> window = toolkit::Window::create({0, 0, 700, 600}, "Print");
@@ -279,7 +254,8 @@ int Deliver(const Options& options, print::Session& session) {
     Say(options, "the ticket is now the default of " + destination);
   }
   // The scheduler prints copies itself; the ticket's entry tells the panels.
-  if (options.copies) jobOptions->push_back({"copies", std::to_string(*options.copies)});
+  for (print::JobOption& option : hosts::FrameworkJobOptions(FrameworkSettingsOf(options)))
+    jobOptions->push_back(std::move(option));
   if (options.dryRun) {
     for (const print::JobOption& option : *jobOptions)
       std::cout << option.name << "=" << option.value << "\n";
@@ -302,12 +278,13 @@ int Run(const Options& options) {
   std::string error;
   std::unique_ptr<print::Session> session = OpenSession(options, error);
   if (!session) return Fail(error);
-  cli::PPDDefaults ppd;
+  hosts::PPDDefaults ppd;
   if (int status = ReadPrinter(options, *session, ppd)) return status;
   if (StartsFromDefaults(options))
     if (int status = ApplyQueueDefaults(options, ppd, *session)) return status;
-  AddPrinterDefaults(ppd, *session);
-  AddJobInfo(options, *session);
+  hosts::AddPrinterDefaults(ppd, *session);
+  // Before the dialog opens, so the panels see them as in any application's dialog.
+  hosts::WriteFrameworkSettings(FrameworkSettingsOf(options), *session);
   if (int status = ApplyPPDChoices(options, ppd, *session)) return status;
   if (int status = RunDialog(options, ppd, *session)) return status;
   return Deliver(options, *session);

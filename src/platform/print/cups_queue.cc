@@ -4,6 +4,7 @@
 #include <cups/cups.h>
 #include <strings.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -60,6 +61,9 @@ class Destinations {
     return find(name);
   }
   int save(http_t* http) { return cupsSetDests2(http, count_, dests_); }
+  std::span<const cups_dest_t> all() const {
+    return {dests_, static_cast<std::size_t>(std::max(count_, 0))};
+  }
 
  private:
   int count_ = 0;
@@ -174,6 +178,28 @@ Destination SplitDestination(std::string_view name) {
   const std::size_t slash = name.find('/');
   if (slash == std::string_view::npos) return {std::string(name), {}};
   return {std::string(name.substr(0, slash)), std::string(name.substr(slash + 1))};
+}
+
+std::optional<std::vector<DestinationInfo>> ListDestinations(std::string_view server,
+                                                             std::string* error) {
+  std::string message;
+  std::optional<detail::Endpoint> endpoint = detail::ParseServer(server, message);
+  Connection http;
+  if (endpoint) http = detail::ConnectToScheduler(*endpoint, "to list its printers", message);
+  if (!http) {
+    if (error) *error = message;
+    return std::nullopt;
+  }
+  const Destinations dests(http.get());
+  std::vector<DestinationInfo> list;
+  for (const cups_dest_t& dest : dests.all()) {
+    DestinationInfo info{{dest.name, dest.instance ? dest.instance : ""}, {}, dest.is_default != 0};
+    const char* text = cupsGetOption("printer-info", dest.num_options, dest.options);
+    if (!text || !*text) text = cupsGetOption("printer-make-and-model", dest.num_options, dest.options);
+    if (text) info.description = text;
+    list.push_back(std::move(info));
+  }
+  return list;
 }
 
 bool SaveQueueDefaults(std::string_view queue, std::string_view server,

@@ -30,6 +30,17 @@ struct Destination {
 };
 Destination SplitDestination(std::string_view name);
 
+// The destinations of `server` (empty: the default scheduler) that a print dialog lists,
+// queues and their instances in libcups' order, or nullopt with a message when the
+// scheduler cannot be reached.
+struct DestinationInfo {
+  Destination name;
+  std::string description;  // printer-info, or the make and model
+  bool isDefault = false;
+};
+std::optional<std::vector<DestinationInfo>> ListDestinations(std::string_view server,
+                                                             std::string* error);
+
 // Stores `options` as the user's default options of the queue ("QUEUE/INSTANCE": of that
 // instance, made when it is new, starting from the queue's own saved options). Ticket entries saved
 // before (current and older form alike) and options named again are replaced, so the

@@ -3,7 +3,7 @@
 
 #include "platform/print/ppd_calls.h"
 
-namespace varno::cli {
+namespace varno::hosts {
 
 namespace ppdcall = print::ppdcall;
 
@@ -43,4 +43,4 @@ bool ReadPPDDefaults(const std::filesystem::path& path, PPDDefaults& out, std::s
   return true;
 }
 
-}  // namespace varno::cli
+}  // namespace varno::hosts

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the command-line host reads from the printer's PPD itself: each option's default
+// What the hosts read from the printer's PPD itself: each option's default
 // choice, for the ticket, and its choices by keyword and text, to name them on the
 // command line.
 #pragma once
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace varno::cli {
+namespace varno::hosts {
 
 struct PPDChoice {
   std::string keyword;
@@ -33,4 +33,4 @@ struct PPDDefaults {
 // libcups' message and the line number in `error`, when the file is missing or malformed.
 bool ReadPPDDefaults(const std::filesystem::path& ppd, PPDDefaults& out, std::string& error);
 
-}  // namespace varno::cli
+}  // namespace varno::hosts
