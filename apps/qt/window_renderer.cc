@@ -1,0 +1,695 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "window_renderer.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDateTimeEdit>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStandardItemModel>
+#include <QTabBar>
+#include <QToolButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/toolkit/automation.h"
+#include "platform/toolkit/text_editing.h"
+
+namespace varno::qt {
+
+namespace {
+
+using toolkit::Control;
+using toolkit::ControlChange;
+using toolkit::ControlKind;
+using What = toolkit::ControlChange::What;
+
+QString Q(const std::string& text) { return QString::fromStdString(text); }
+
+// Character positions: the toolkit counts code points, Qt UTF-16 units.
+int UnitsForCharacters(const QString& text, int characters) {
+  int units = 0;
+  for (int c = 0; c < characters && units < text.size(); ++c)
+    units += text.at(units).isHighSurrogate() && units + 1 < text.size() ? 2 : 1;
+  return units;
+}
+int CharactersForUnits(const QString& text, int units) {
+  return static_cast<int>(text.left(units).toUcs4().size());
+}
+
+// Seconds since 1904-01-01 local time, as clocks hold them.
+QDateTime FromLongDateTime(toolkit::LongDateTime seconds) {
+  return QDateTime(QDate(1904, 1, 1), QTime(0, 0)).addSecs(seconds);
+}
+
+// The two arrows of a spin control.
+QWidget* MakeSpinArrows(QWidget* parent, QToolButton** up, QToolButton** down) {
+  auto* box = new QWidget(parent);
+  auto* layout = new QVBoxLayout(box);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  *up = new QToolButton(box);
+  *down = new QToolButton(box);
+  (*up)->setArrowType(Qt::UpArrow);
+  (*down)->setArrowType(Qt::DownArrow);
+  for (QToolButton* button : {*up, *down}) {
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    layout->addWidget(button);
+  }
+  return box;
+}
+
+// A tab control: the tabs on top; the tab panes are the control's children.
+class TabWidget final : public QWidget {
+ public:
+  explicit TabWidget(QWidget* parent) : QWidget(parent), bar(new QTabBar(this)) {
+    bar->setDrawBase(true);
+    bar->setExpanding(false);
+  }
+  QTabBar* bar;
+
+ protected:
+  void resizeEvent(QResizeEvent*) override { bar->setGeometry(0, 0, width(), bar->sizeHint().height()); }
+};
+
+// Lets clicks on a picture reach the toolkit.
+class PictureLabel final : public QLabel {
+ public:
+  using QLabel::QLabel;
+  std::function<void()> clicked;
+
+ protected:
+  void mouseReleaseEvent(QMouseEvent* event) override {
+    if (clicked && rect().contains(event->position().toPoint())) clicked();
+  }
+};
+
+bool IsTextField(ControlKind kind) { return kind == ControlKind::EditText || kind == ControlKind::ComboBox; }
+
+QLineEdit* LineEditOf(QWidget* widget) {
+  if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit;
+  if (auto* combo = qobject_cast<QComboBox*>(widget)) return combo->lineEdit();
+  return nullptr;
+}
+
+// Fills a Qt menu from a toolkit menu; each action carries its item's index in the top menu.
+void FillMenu(QMenu* qmenu, const toolkit::Menu& menu, int topIndex) {
+  for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i) {
+    const toolkit::MenuItem* item = menu.item(i);
+    const int index = topIndex ? topIndex : i;
+    if (item->text == "-") {
+      qmenu->addSeparator();
+      continue;
+    }
+    if (item->submenu) {
+      QMenu* sub = qmenu->addMenu(Q(item->text));
+      sub->setEnabled(item->enabled);
+      FillMenu(sub, *item->submenu, index);
+      continue;
+    }
+    QAction* action = qmenu->addAction(Q(item->text));
+    action->setEnabled(item->enabled && menu.isEnabled());
+    action->setCheckable(item->checked);
+    action->setChecked(item->checked);
+    action->setData(index);
+  }
+}
+
+}  // namespace
+
+WindowRenderer::WindowRenderer(toolkit::Window& window, QWidget* root, bundle::BundleRef pictures)
+    : QObject(root), window_(&window), root_(root), pictures_(std::move(pictures)) {
+  rendered_[&window].widget = root;
+  controls_[root] = &window;
+  root->setFixedSize(window.bounds().width(), window.bounds().height());
+  subscription_ = window.subscribe([this](const ControlChange& change) { changed(change); });
+  for (std::size_t i = 0; i < window.childCount(); ++i) build(*window.child(i));
+  updateTabOrder();
+  refreshFocus();
+}
+
+WindowRenderer::~WindowRenderer() { subscription_.reset(); }
+
+QWidget* WindowRenderer::widgetFor(const Control* control) const {
+  auto it = rendered_.find(control);
+  return it == rendered_.end() ? nullptr : it->second.widget.data();
+}
+
+Control* WindowRenderer::controlFor(const QWidget* widget) const {
+  for (; widget; widget = widget->parentWidget()) {
+    auto it = controls_.find(widget);
+    if (it != controls_.end()) return it->second;
+    if (widget == root_) break;
+  }
+  return nullptr;
+}
+
+void WindowRenderer::changed(const ControlChange& change) {
+  Control* control = change.control;
+  if (!window_ || !control) return;
+  ++updating_;
+  switch (change.what) {
+    case What::Embedded:
+      if (!rendered_.count(control) && rendered_.count(control->parent())) {
+        build(*control);
+        updateTabOrder();
+      }
+      break;
+    case What::Removed:
+      if (control == window_) {
+        // The window is going: nothing of it may be touched from now on.
+        for (auto& [unused, rendered] : rendered_) rendered.menu.reset();
+        rendered_.clear();
+        controls_.clear();
+        window_ = nullptr;
+        subscription_.reset();
+        if (onWindowGone_) onWindowGone_();
+      } else {
+        drop(*control);
+      }
+      break;
+    case What::Focus:
+      refreshFocus();
+      break;
+    default:
+      if (rendered_.count(control)) refreshAspect(*control, change.what);
+      break;
+  }
+  --updating_;
+}
+
+void WindowRenderer::build(Control& control) {
+  QWidget* parent = widgetFor(control.parent());
+  if (!parent) return;
+  QWidget* widget = makeWidget(control, parent);
+  rendered_[&control].widget = widget;
+  controls_[widget] = &control;
+  subscribeMenu(control);
+  refresh(control);
+  connectActions(control, widget);
+  for (std::size_t i = 0; i < control.childCount(); ++i) build(*control.child(i));
+  // Before it is painted the first time, as a renderer tells every control.
+  control.draw();
+  widget->show();
+  widget->setVisible(control.isVisible());
+}
+
+QWidget* WindowRenderer::makeWidget(Control& control, QWidget* parent) {
+  switch (control.kind()) {
+    case ControlKind::Group: return new QGroupBox(parent);
+    case ControlKind::StaticText: {
+      auto* label = new QLabel(parent);
+      label->setWordWrap(true);
+      label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+      return label;
+    }
+    case ControlKind::EditText: {
+      auto* edit = new QLineEdit(parent);
+      edit->installEventFilter(this);
+      return edit;
+    }
+    case ControlKind::PushButton: {
+      auto* button = new QPushButton(parent);
+      button->setAutoDefault(false);
+      return button;
+    }
+    case ControlKind::CheckBox: return new QCheckBox(parent);
+    case ControlKind::RadioButton: {
+      auto* radio = new QRadioButton(parent);
+      radio->setAutoExclusive(false);  // the toolkit turns the siblings off
+      return radio;
+    }
+    case ControlKind::PopupButton: return new QComboBox(parent);
+    case ControlKind::ComboBox: {
+      auto* combo = new QComboBox(parent);
+      combo->setEditable(true);
+      combo->setInsertPolicy(QComboBox::NoInsert);
+      combo->lineEdit()->installEventFilter(this);
+      controls_[combo->lineEdit()] = &control;
+      return combo;
+    }
+    case ControlKind::BevelButton: {
+      auto* button = new QToolButton(parent);
+      button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+      return button;
+    }
+    case ControlKind::SpinControl: {
+      QToolButton* up = nullptr;
+      QToolButton* down = nullptr;
+      QWidget* box = MakeSpinArrows(parent, &up, &down);
+      Control* target = &control;
+      connect(up, &QToolButton::clicked, this, [this, target] {
+        act(*target, [](Control& c) { toolkit::Click(c, toolkit::kControlUpButtonPart); });
+      });
+      connect(down, &QToolButton::clicked, this, [this, target] {
+        act(*target, [](Control& c) { toolkit::Click(c, toolkit::kControlDownButtonPart); });
+      });
+      return box;
+    }
+    case ControlKind::Clock: {
+      auto* clock = new QDateTimeEdit(parent);
+      clock->setReadOnly(true);
+      clock->setButtonSymbols(QAbstractSpinBox::NoButtons);
+      return clock;
+    }
+    case ControlKind::ImageView: {
+      auto* label = new PictureLabel(parent);
+      label->setAlignment(Qt::AlignCenter);
+      return label;
+    }
+    case ControlKind::ListView: {
+      auto* tree = new QTreeWidget(parent);
+      tree->setRootIsDecorated(false);
+      tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
+      tree->setUniformRowHeights(true);
+      return tree;
+    }
+    case ControlKind::TabControl: return new TabWidget(parent);
+    case ControlKind::Window:
+    case ControlKind::UserPane: break;
+  }
+  return new QWidget(parent);
+}
+
+void WindowRenderer::drop(Control& control) {
+  auto it = rendered_.find(&control);
+  if (it == rendered_.end()) return;
+  QPointer<QWidget> widget = it->second.widget;
+  // The subtree's entries go first; its widgets go with the top one.
+  std::vector<Control*> stack{&control};
+  while (!stack.empty()) {
+    Control* c = stack.back();
+    stack.pop_back();
+    for (std::size_t i = 0; i < c->childCount(); ++i) stack.push_back(c->child(i));
+    auto entry = rendered_.find(c);
+    if (entry == rendered_.end()) continue;
+    if (entry->second.widget) {
+      controls_.erase(entry->second.widget.data());
+      if (QLineEdit* edit = LineEditOf(entry->second.widget)) controls_.erase(edit);
+    }
+    rendered_.erase(entry);
+  }
+  if (widget) {
+    widget->hide();
+    widget->deleteLater();
+  }
+}
+
+void WindowRenderer::refresh(Control& control) {
+  for (What what : {What::Bounds, What::Text, What::Password, What::Menu, What::Value,
+                    What::Picture, What::DateTime, What::Enabled, What::Visible, What::ListColumns})
+    refreshAspect(control, what);
+}
+
+void WindowRenderer::refreshAspect(Control& control, What what) {
+  QWidget* widget = widgetFor(&control);
+  if (!widget) return;
+  ++updating_;
+  const QSignalBlocker blocker(widget);
+  switch (what) {
+    case What::Bounds:
+      if (&control != window_) {
+        const toolkit::Rect& b = control.bounds();
+        widget->setGeometry(b.left, b.top, b.width(), b.height());
+      } else {
+        root_->setFixedSize(control.bounds().width(), control.bounds().height());
+      }
+      break;
+    case What::Text:
+    case What::Selection:
+    case What::Password: {
+      const QString text = Q(control.text());
+      if (QLineEdit* edit = LineEditOf(widget)) {
+        const QSignalBlocker editBlocker(edit);
+        edit->setEchoMode(control.isPassword() ? QLineEdit::Password : QLineEdit::Normal);
+        if (edit->text() != text) edit->setText(text);
+        const toolkit::TextRange range = control.selection();
+        const int start = UnitsForCharacters(text, range.start);
+        const int end = UnitsForCharacters(text, range.end);
+        if (start == end) edit->setCursorPosition(start);
+        else edit->setSelection(start, end - start);
+      } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        button->setText(text);
+      } else if (auto* label = qobject_cast<QLabel*>(widget); label && control.kind() == ControlKind::StaticText) {
+        label->setText(text);
+      } else if (auto* group = qobject_cast<QGroupBox*>(widget)) {
+        group->setTitle(text);
+      } else if (&control == window_ && root_->isWindow()) {
+        root_->setWindowTitle(text);
+      }
+      refreshAccessibleName(control);
+      break;
+    }
+    case What::Value:
+    case What::Range:
+    case What::MenuValue:
+      if (auto* check = qobject_cast<QCheckBox*>(widget)) {
+        check->setCheckState(control.value() == 0 ? Qt::Unchecked
+                             : control.value() == 1 ? Qt::Checked : Qt::PartiallyChecked);
+      } else if (auto* radio = qobject_cast<QRadioButton*>(widget)) {
+        radio->setChecked(control.value() != 0);
+      } else if (auto* combo = qobject_cast<QComboBox*>(widget); combo && !combo->isEditable()) {
+        combo->setCurrentIndex(control.value() - 1);
+      } else if (auto* tabs = dynamic_cast<TabWidget*>(widget)) {
+        tabs->bar->setCurrentIndex(control.value() - 1);
+      } else if (control.kind() == ControlKind::BevelButton) {
+        refreshMenu(control);  // the chosen item is marked in the menu
+      } else if (control.kind() == ControlKind::SpinControl) {
+        widget->setToolTip(QString::number(control.value()));
+      }
+      break;
+    case What::Visible:
+      if (&control != window_) widget->setVisible(control.isVisible());
+      break;
+    case What::Enabled:
+    case What::Active:
+      // Qt passes a disabled parent on to its children, as the toolkit does.
+      widget->setEnabled(control.isEnabled() && control.isActive());
+      break;
+    case What::Menu:
+      refreshMenu(control);
+      break;
+    case What::Picture: {
+      QPixmap picture;
+      std::optional<std::filesystem::path> file;
+      if (!control.pictureName().empty() && pictures_) file = pictures_->resourcePath(control.pictureName());
+      if (file) picture.load(Q(file->string()));
+      if (auto* label = dynamic_cast<PictureLabel*>(widget)) {
+        label->setPixmap(picture.isNull() ? QPixmap()
+                                          : picture.scaled(widget->size(), Qt::KeepAspectRatio,
+                                                           Qt::SmoothTransformation));
+      } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        button->setIcon(QIcon(picture));
+        button->setIconSize(QSize(control.bounds().width() - 6, control.bounds().height() - 6));
+      }
+      break;
+    }
+    case What::DateTime:
+      if (auto* clock = qobject_cast<QDateTimeEdit*>(widget)) clock->setDateTime(FromLongDateTime(control.dateTime()));
+      break;
+    case What::ListColumns:
+    case What::ListItems:
+    case What::ListSelection:
+      if (toolkit::ListView* list = toolkit::AsListView(&control)) refreshList(*list);
+      break;
+    case What::Embedded:
+    case What::Removed:
+    case What::Focus:
+      break;
+  }
+  --updating_;
+}
+
+void WindowRenderer::refreshMenu(Control& control) {
+  QWidget* widget = widgetFor(&control);
+  toolkit::Menu* menu = control.menu();
+  if (!widget) return;
+  const QSignalBlocker blocker(widget);
+  if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+    const QString text = combo->isEditable() ? combo->currentText() : QString();
+    combo->clear();
+    if (menu) {
+      for (toolkit::MenuItemIndex i = 1; i <= menu->count(); ++i) {
+        const toolkit::MenuItem* item = menu->item(i);
+        combo->addItem(Q(item->text));
+        if (auto* model = qobject_cast<QStandardItemModel*>(combo->model()))
+          model->item(i - 1)->setEnabled(item->enabled && menu->isEnabled());
+      }
+    }
+    if (combo->isEditable()) combo->setEditText(Q(control.text()));
+    else combo->setCurrentIndex(control.value() - 1);
+    (void)text;
+  } else if (auto* tabs = dynamic_cast<TabWidget*>(widget)) {
+    while (tabs->bar->count() > 0) tabs->bar->removeTab(0);
+    if (menu)
+      for (toolkit::MenuItemIndex i = 1; i <= menu->count(); ++i) {
+        tabs->bar->addTab(Q(menu->item(i)->text));
+        tabs->bar->setTabEnabled(i - 1, menu->item(i)->enabled);
+      }
+    tabs->bar->setCurrentIndex(control.value() - 1);
+    tabs->bar->setGeometry(0, 0, tabs->width(), tabs->bar->sizeHint().height());
+  } else if (auto* button = qobject_cast<QToolButton*>(widget)) {
+    QMenu* old = button->menu();
+    button->setMenu(nullptr);
+    if (old) old->deleteLater();
+    if (menu && menu->count() > 0) {
+      auto* qmenu = new QMenu(button);
+      FillMenu(qmenu, *menu, 0);
+      // The chosen item shows as checked, as the bevel button's menu value says.
+      const auto actions = qmenu->actions();
+      for (QAction* action : actions)
+        if (action->data().toInt() == control.menuValue() && control.menuValue() != 0) {
+          action->setCheckable(true);
+          action->setChecked(true);
+        }
+      connect(qmenu, &QMenu::triggered, this, [this, target = &control](QAction* action) {
+        const int index = action->data().toInt();
+        if (index > 0)
+          act(*target, [index](Control& c) { toolkit::ChooseMenuItem(c, static_cast<toolkit::MenuItemIndex>(index)); });
+      });
+      button->setMenu(qmenu);
+      button->setPopupMode(QToolButton::InstantPopup);
+    }
+  }
+}
+
+void WindowRenderer::refreshList(toolkit::ListView& list) {
+  auto* tree = qobject_cast<QTreeWidget*>(widgetFor(&list));
+  if (!tree) return;
+  const QSignalBlocker blocker(tree);
+  QStringList titles;
+  for (const toolkit::ListColumn& column : list.columns()) titles << Q(column.title);
+  tree->setColumnCount(std::max<int>(1, titles.size()));
+  tree->setHeaderLabels(titles);
+  tree->setHeaderHidden(titles.isEmpty());
+  for (std::size_t c = 0; c < list.columns().size(); ++c)
+    if (list.columns()[c].width > 0) tree->setColumnWidth(static_cast<int>(c), list.columns()[c].width);
+  tree->clear();
+  for (toolkit::DataBrowserItemID id : list.items()) {
+    auto* row = new QTreeWidgetItem(tree);
+    row->setData(0, Qt::UserRole, QVariant::fromValue<qulonglong>(id));
+    for (std::size_t c = 0; c < list.columns().size(); ++c) {
+      std::string text;
+      if (list.cellText(id, list.columns()[c].property, &text) == noErr)
+        row->setText(static_cast<int>(c), Q(text));
+    }
+    row->setSelected(list.isSelected(id));
+  }
+}
+
+void WindowRenderer::refreshFocus() {
+  if (!window_) return;
+  QWidget* widget = widgetFor(window_->focus());
+  if (!widget) return;
+  if (QLineEdit* edit = LineEditOf(widget)) widget = edit;
+  if (!widget->hasFocus()) widget->setFocus(Qt::OtherFocusReason);
+}
+
+void WindowRenderer::refreshAccessibleName(Control& control) {
+  QWidget* widget = widgetFor(&control);
+  if (!widget) return;
+  // A field or a pop-up is named by the label that comes before it, as a person reads it.
+  std::string name = control.text();
+  if (IsTextField(control.kind()) || control.kind() == ControlKind::PopupButton ||
+      control.kind() == ControlKind::ListView || control.kind() == ControlKind::SpinControl) {
+    name.clear();
+    Control* parent = control.parent();
+    for (std::size_t i = 0; parent && i < parent->childCount(); ++i) {
+      Control* sibling = parent->child(i);
+      if (sibling == &control) break;
+      if (sibling->kind() == ControlKind::StaticText && !sibling->text().empty()) name = sibling->text();
+    }
+    if (!name.empty() && name.back() == ':') name.pop_back();
+  }
+  if (name.empty()) name = toolkit::Traits(control.kind()).name;
+  widget->setAccessibleName(Q(name));
+}
+
+void WindowRenderer::subscribeMenu(Control& control) {
+  Rendered& rendered = rendered_[&control];
+  rendered.menu.reset();
+  if (!control.menu()) return;
+  rendered.menu = control.menu()->subscribe([this, target = &control](const toolkit::MenuChange&) {
+    if (!rendered_.count(target)) return;
+    ++updating_;
+    refreshMenu(*target);
+    --updating_;
+  });
+}
+
+template <typename Action>
+void WindowRenderer::act(Control& control, Action action) {
+  if (updating_ || !window_) return;
+  // The handlers may dispose of the control, or of the whole window.
+  const QPointer<QWidget> widget = widgetFor(&control);
+  action(control);
+  if (window_ && widget && rendered_.count(&control)) refresh(control);
+}
+
+void WindowRenderer::connectActions(Control& control, QWidget* widget) {
+  Control* target = &control;
+  auto click = [this, target] { act(*target, [](Control& c) { toolkit::Click(c); }); };
+  switch (control.kind()) {
+    case ControlKind::PushButton:
+    case ControlKind::CheckBox:
+    case ControlKind::RadioButton:
+      connect(qobject_cast<QAbstractButton*>(widget), &QAbstractButton::clicked, this, click);
+      break;
+    case ControlKind::BevelButton:
+      connect(qobject_cast<QAbstractButton*>(widget), &QAbstractButton::clicked, this, [this, target, click] {
+        if (!target->menu() || target->menu()->count() == 0) click();
+      });
+      break;
+    case ControlKind::PopupButton:
+    case ControlKind::ComboBox:
+      connect(qobject_cast<QComboBox*>(widget), &QComboBox::activated, this, [this, target](int index) {
+        act(*target, [index](Control& c) {
+          toolkit::ChooseMenuItem(c, static_cast<toolkit::MenuItemIndex>(index + 1));
+        });
+      });
+      break;
+    case ControlKind::ImageView:
+      static_cast<PictureLabel*>(widget)->clicked = click;
+      break;
+    case ControlKind::TabControl:
+      connect(static_cast<TabWidget*>(widget)->bar, &QTabBar::tabBarClicked, this, [this, target](int index) {
+        if (index >= 0)
+          act(*target, [index](Control& c) {
+            toolkit::ChooseMenuItem(c, static_cast<toolkit::MenuItemIndex>(index + 1));
+          });
+      });
+      break;
+    case ControlKind::ListView: {
+      auto* tree = qobject_cast<QTreeWidget*>(widget);
+      connect(tree, &QTreeWidget::itemSelectionChanged, this, [this, target, tree] {
+        toolkit::ListView* list = toolkit::AsListView(target);
+        // The toolkit keeps the order of selecting: rows still selected keep their place,
+        // new ones follow in row order.
+        std::set<toolkit::DataBrowserItemID> chosen;
+        for (QTreeWidgetItem* row : tree->selectedItems())
+          chosen.insert(row->data(0, Qt::UserRole).value<qulonglong>());
+        std::vector<toolkit::DataBrowserItemID> ordered;
+        for (toolkit::DataBrowserItemID id : list->selection())
+          if (chosen.count(id)) ordered.push_back(id);
+        for (toolkit::DataBrowserItemID id : list->items())
+          if (chosen.count(id) && !list->isSelected(id)) ordered.push_back(id);
+        act(*target, [&ordered](Control& c) {
+          toolkit::SelectListItems(*toolkit::AsListView(&c), ordered, toolkit::kDataBrowserItemsAssign);
+        });
+      });
+      connect(tree, &QTreeWidget::itemDoubleClicked, this, [this, target](QTreeWidgetItem* row) {
+        const auto id = row->data(0, Qt::UserRole).value<qulonglong>();
+        act(*target, [id](Control& c) { toolkit::DoubleClickListItem(*toolkit::AsListView(&c), id); });
+      });
+      break;
+    }
+    default:
+      break;
+  }
+  if (QLineEdit* edit = LineEditOf(widget)) {
+    // Moving the caret or selecting with the mouse or the arrows is the person's own; the
+    // toolkit learns the selection so that typing replaces it.
+    connect(edit, &QLineEdit::selectionChanged, this, [this, target, edit] {
+      if (updating_ || !rendered_.count(target)) return;
+      const QString text = edit->text();
+      const int start = edit->hasSelectedText() ? edit->selectionStart() : edit->cursorPosition();
+      const int end = edit->hasSelectedText() ? edit->selectionEnd() : start;
+      ++updating_;
+      target->setSelection({CharactersForUnits(text, start), CharactersForUnits(text, end)});
+      --updating_;
+    });
+    connect(edit, &QLineEdit::cursorPositionChanged, this, [this, target, edit](int, int position) {
+      if (updating_ || !rendered_.count(target) || edit->hasSelectedText()) return;
+      ++updating_;
+      const int at = CharactersForUnits(edit->text(), position);
+      target->setSelection({at, at});
+      --updating_;
+    });
+  }
+}
+
+bool WindowRenderer::eventFilter(QObject* watched, QEvent* event) {
+  auto* widget = qobject_cast<QWidget*>(watched);
+  Control* control = widget ? controlFor(widget) : nullptr;
+  if (!control || !window_) return false;
+  if (event->type() == QEvent::KeyPress) return typed(*control, static_cast<QKeyEvent*>(event));
+  if (event->type() == QEvent::FocusIn && !updating_ && !control->hasFocus()) {
+    act(*control, [](Control& c) { toolkit::SetFocus(c); });
+  }
+  return false;
+}
+
+bool WindowRenderer::typed(Control& control, QKeyEvent* key) {
+  if (updating_) return false;
+  toolkit::Window& window = *window_;
+  char code = 0;
+  switch (key->key()) {
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab: code = toolkit::kTabCharCode; break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter: code = toolkit::kReturnCharCode; break;
+    case Qt::Key_Escape: code = toolkit::kEscapeCharCode; break;
+    case Qt::Key_Backspace: code = toolkit::kBackspaceCharCode; break;
+    case Qt::Key_Delete: code = toolkit::kDeleteCharCode; break;
+    default: break;
+  }
+  if (code != 0) {
+    act(control, [&window, code](Control&) { toolkit::PressKey(window, code); });
+    return true;
+  }
+  if (key->matches(QKeySequence::Paste)) {
+    const std::string text = QApplication::clipboard()->text().toStdString();
+    act(control, [&text](Control& c) { toolkit::PasteText(c, text); });
+    return true;
+  }
+  if (key->matches(QKeySequence::Cut)) {
+    if (QLineEdit* edit = LineEditOf(widgetFor(&control)); edit && !control.isPassword())
+      QApplication::clipboard()->setText(edit->selectedText());
+    act(control, [&window](Control&) { toolkit::PressKey(window, toolkit::kBackspaceCharCode); });
+    return true;
+  }
+  if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) return true;
+  const QString text = key->text();
+  if (!text.isEmpty() && text.at(0).isPrint() && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
+    const std::string utf8 = text.toStdString();
+    act(control, [&utf8](Control& c) { toolkit::TypeText(c, utf8); });
+    return true;
+  }
+  return false;  // moving the caret, selecting, copying: Qt's own
+}
+
+void WindowRenderer::updateTabOrder() {
+  if (!window_) return;
+  // The toolkit's focus order is the tree's order.
+  QWidget* previous = nullptr;
+  std::vector<Control*> stack{window_};
+  std::vector<Control*> order;
+  while (!stack.empty()) {
+    Control* c = stack.back();
+    stack.pop_back();
+    order.push_back(c);
+    for (std::size_t i = c->childCount(); i-- > 0;) stack.push_back(c->child(i));
+  }
+  for (Control* c : order) {
+    QWidget* widget = c == window_ ? nullptr : widgetFor(c);
+    if (!widget || widget->focusPolicy() == Qt::NoFocus) continue;
+    if (QLineEdit* edit = LineEditOf(widget)) widget = edit;
+    if (previous) QWidget::setTabOrder(previous, widget);
+    previous = widget;
+  }
+}
+
+}  // namespace varno::qt
