@@ -36,7 +36,10 @@ struct FrameworkButton {
   std::int32_t width;
   bool right;  // in the group at the right edge
 };
+// The pane's help command, which the plug-in answers with its help book.
+constexpr toolkit::MenuCommand kHelpCommand = MakeOSType("help");
 constexpr FrameworkButton kButtons[] = {
+    {"?", kHelpCommand, 28, false},
     {"Save as Defaults", kSaveDefaultsCommand, 130, false},
     {"Save Settings...", kSaveSettingsCommand, 120, false},
     {"Load Settings...", kLoadSettingsCommand, 120, false},
@@ -221,8 +224,8 @@ void PrintDialog::listPrinters() {
   const QSignalBlocker blocker(printers_);
   for (const Printer& printer : printerList_) printers_->addItem(printer.label);
   printers_->setCurrentIndex(chosen);
-  if (!destinations)
-    say(tr("The printers of the print server are not listed: %1").arg(Q(error)), true);
+  // Without a scheduler the dialog still works on printer descriptions; say so calmly.
+  if (!destinations) say(tr("Only printer descriptions are listed: %1").arg(Q(error)));
 }
 
 void PrintDialog::closePlugIn() {
@@ -328,6 +331,7 @@ OSStatus PrintDialog::command(toolkit::MenuCommand command) {
   else if (command == kSaveDefaultsCommand) saveAsDefaults();
   else if (command == kSaveSettingsCommand) saveSettings();
   else if (command == kLoadSettingsCommand) loadSettings();
+  else if (command == kHelpCommand) say(tr("This printer has no Varno options, so there is no help for them."));
   else return eventNotHandledErr;
   return noErr;
 }

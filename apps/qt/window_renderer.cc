@@ -200,6 +200,8 @@ void WindowRenderer::build(Control& control) {
   subscribeMenu(control);
   refresh(control);
   connectActions(control, widget);
+  // Return presses the window's default button, in a Qt dialog as in the toolkit.
+  if (auto* button = qobject_cast<QPushButton*>(widget)) button->setDefault(window_->defaultButton() == &control);
   for (std::size_t i = 0; i < control.childCount(); ++i) build(*control.child(i));
   // Before it is painted the first time, as a renderer tells every control.
   control.draw();
@@ -514,6 +516,7 @@ void WindowRenderer::refreshAccessibleName(Control& control) {
     }
     if (!name.empty() && name.back() == ':') name.pop_back();
   }
+  if (name == "?") name = "Help";
   if (name.empty()) name = toolkit::Traits(control.kind()).name;
   widget->setAccessibleName(Q(name));
 }

@@ -1,0 +1,348 @@
+// SPDX-License-Identifier: Apache-2.0
+// varno-print-dialog driven as a person drives it: real Qt mouse and key events on the
+// rendered widgets. The tickets it gives are compared with varno-print's for the same
+// choices; every panel and dialog is photographed into <build>/screenshots.
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QTimer>
+#include <QtTest>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <optional>
+
+#include "host/dialog_host.h"
+#include "panels/image_options/advanced_panel.h"
+#include "panels/image_options/image_options_panel.h"
+#include "platform/plist/text.h"
+#include "platform/print/cups_queue.h"
+#include "platform/print/job_options.h"
+#include "platform/print/ticket.h"
+#include "platform/toolkit/window.h"
+#include "print_dialog.h"
+#include "support/private_scheduler.h"
+#include "ui/panel_ui.h"
+#include "vocabulary/plugin_bundle.h"
+
+namespace {
+
+using namespace varno;
+using toolkit::ControlID;
+
+const QString kBuild = VARNO_BUILD_DIR;
+const QString kVarnoPrint = kBuild + "/bin/varno-print";
+
+// What #5's choices are on the command line, and the same choices made in the window:
+// (control, the item's shown text or a check box's state), in the same order.
+const QStringList kCommandLineChoices = {"--image-quality", "HighQuality", "--toner-saver", "on",
+                                         "--mirror-image",  "on",          "--feed-edge",   "ShortEdge"};
+struct WindowChoice {
+  ControlID control;
+  QString item;  // empty: click the check box
+};
+const WindowChoice kWindowChoices[] = {
+    {{panels::kImageOptionsSignature, panels::kImageQualityPopupID}, "High Quality"},
+    {{panels::kImageOptionsSignature, panels::kTonerSaverCheckBoxID}, {}},
+    {{panels::kImageOptionsSignature, panels::kMirrorCheckBoxID}, {}},
+    {{panels::kAdvancedSignature, panels::kFeedEdgePopupID}, "Short Edge"},
+};
+
+QString Screenshots() {
+  QDir().mkpath(kBuild + "/screenshots");
+  return kBuild + "/screenshots/";
+}
+
+void Photograph(QWidget* widget, const QString& name) {
+  QVERIFY(widget->grab().save(Screenshots() + name + ".png"));
+}
+
+std::map<std::string, plist::Value> EntriesOf(const print::Ticket& ticket) {
+  std::map<std::string, plist::Value> entries;
+  for (const std::string& key : ticket.keys()) {
+    const print::Ticket::Item* item = ticket.item(key);
+    entries[key] = item->nested ? plist::Value(item->nested->toPropertyList()) : item->value;
+  }
+  return entries;
+}
+
+print::Ticket Load(const QString& file) {
+  std::string error;
+  std::optional<print::Ticket> ticket = print::Ticket::load(file.toStdString(), &error);
+  if (!ticket) qWarning("%s", error.c_str());
+  return ticket.value_or(print::Ticket());
+}
+
+// Equal entry by entry, typed; the first difference is named.
+void CompareTickets(const print::Ticket& dialog, const print::Ticket& command) {
+  const auto a = EntriesOf(dialog), b = EntriesOf(command);
+  QVERIFY(!a.empty());
+  for (const auto& [key, value] : b) {
+    QVERIFY2(a.contains(key), ("the dialog's ticket lacks " + key).c_str());
+    QVERIFY2(a.at(key) == value, ("the tickets differ at " + key).c_str());
+  }
+  for (const auto& [key, value] : a) QVERIFY2(b.contains(key), ("the dialog adds " + key).c_str());
+}
+
+// Runs varno-print with the same choices; its ticket.
+print::Ticket VarnoPrintTicket(const QString& folder, const QStringList& extra = {}) {
+  QProcess process;
+  const QString out = folder + "/varno-print.plist";
+  process.start(kVarnoPrint, QStringList{"--ppd", VARNO_SAMPLE_PPD, "-n", "1", "--save-ticket", out} +
+                                 kCommandLineChoices + extra);
+  process.waitForFinished(30000);
+  if (process.exitCode() != 0) qWarning("%s", process.readAllStandardError().constData());
+  return Load(out);
+}
+
+}  // namespace
+
+class PrintDialogTest : public QObject {
+  Q_OBJECT
+
+ private:
+  std::unique_ptr<qt::PrintDialog> dialog_;
+  QTemporaryDir folder_;
+  std::vector<std::string> urls_;
+
+  void open(qt::DialogOptions options) {
+    dialog_ = std::make_unique<qt::PrintDialog>(std::move(options));
+    dialog_->alertBoxes().setOpenURL([this](const std::string& url) {
+      urls_.push_back(url);
+      return true;
+    });
+    dialog_->show();
+    QVERIFY(QTest::qWaitForWindowExposed(dialog_.get()));
+  }
+  QWidget* widget(ControlID id) {
+    toolkit::Control* control = dialog_->frameWindow().findByID(id);
+    return control ? dialog_->renderer().widgetFor(control) : nullptr;
+  }
+  QPushButton* button(const char* text) {
+    for (QPushButton* button : dialog_->findChildren<QPushButton*>())
+      if (button->text() == text) return button;
+    return nullptr;
+  }
+  // Moves a pop-up to the item with the arrow keys, one step at a time, as a person does.
+  static void ChooseByKeys(QComboBox* combo, const QString& text) {
+    const int target = combo->findText(text);
+    QVERIFY2(target >= 0, qPrintable("no item " + text));
+    combo->setFocus();
+    while (combo->currentIndex() != target) {
+      const int before = combo->currentIndex();
+      QTest::keyClick(combo, combo->currentIndex() < target ? Qt::Key_Down : Qt::Key_Up);
+      QVERIFY2(combo->currentIndex() != before, "the pop-up did not move");
+    }
+  }
+  void showPanel(int tabIndex) {
+    auto* selector = qobject_cast<QComboBox*>(widget({host::kHostSignature, host::kSelectorID}));
+    QVERIFY(selector);
+    ChooseByKeys(selector, selector->itemText(tabIndex - 1));
+    toolkit::Control* pane = dialog_->frameWindow().findByID({host::kPanelPaneSignature, tabIndex});
+    QVERIFY(pane && pane->isVisible());
+    QVERIFY(dialog_->renderer().widgetFor(pane)->isVisible());
+  }
+  void showPanelOf(ControlID id) {
+    toolkit::Control* pane = dialog_->frameWindow().findByID(id);
+    while (pane && pane->id().signature != host::kPanelPaneSignature) pane = pane->parent();
+    QVERIFY(pane);
+    showPanel(pane->id().id);
+  }
+  // Shows the panel that holds the control, then makes the choice on its widget.
+  void make(const WindowChoice& choice) {
+    toolkit::Control* control = dialog_->frameWindow().findByID(choice.control);
+    QVERIFY(control);
+    showPanelOf(choice.control);
+    QWidget* target = dialog_->renderer().widgetFor(control);
+    if (choice.item.isEmpty()) {
+      auto* box = qobject_cast<QCheckBox*>(target);
+      const bool before = box->isChecked();
+      QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(6, box->height() / 2));
+      QCOMPARE(box->isChecked(), !before);
+      QCOMPARE(control->value(), before ? 0 : 1);
+    } else {
+      ChooseByKeys(qobject_cast<QComboBox*>(target), choice.item);
+    }
+  }
+  void makeAllChoices() {
+    for (const WindowChoice& choice : kWindowChoices) make(choice);
+  }
+  QString saveSettings(const QString& name) {
+    const QString file = folder_.path() + "/" + name;
+    dialog_->setFileChooser([file](qt::FileQuestion) { return QStringList{file}; });
+    QTest::mouseClick(button("Save Settings..."), Qt::LeftButton);
+    return file;
+  }
+
+ private Q_SLOTS:
+  void cleanup() {
+    dialog_.reset();
+    urls_.clear();
+  }
+
+  void everyPanelIsShownAndPhotographed() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    auto* selector = qobject_cast<QComboBox*>(widget({host::kHostSignature, host::kSelectorID}));
+    QVERIFY(selector && selector->count() >= 2);
+    for (int tab = 1; tab <= selector->count(); ++tab) {
+      showPanel(tab);
+      Photograph(dialog_.get(), "panel-" + selector->itemText(tab - 1).toLower().replace(QRegularExpression("[^a-z]+"), "-"));
+    }
+    // The previous and next arrows go round the panels.
+    const int before = selector->currentIndex();
+    QTest::mouseClick(qobject_cast<QAbstractButton*>(widget({host::kHostSignature, host::kDownButtonID})),
+                      Qt::LeftButton);
+    QCOMPARE(selector->currentIndex(), (before + 1) % selector->count());
+    // Every control of the window has a name a screen reader can say.
+    for (QWidget* child : dialog_->findChildren<QWidget*>())
+      if (toolkit::Control* control = dialog_->renderer().controlFor(child);
+          control && dialog_->renderer().widgetFor(control) == child && child->isVisible() &&
+          control->kind() != toolkit::ControlKind::UserPane && control->kind() != toolkit::ControlKind::Window)
+        QVERIFY2(!child->accessibleName().isEmpty(), toolkit::Traits(control->kind()).name);
+  }
+
+  void choicesInTheWindowGiveVarnoPrintsTicket() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    makeAllChoices();
+    const QString saved = saveSettings("dialog.plist");
+    QVERIFY2(QFileInfo::exists(saved), qPrintable(dialog_->statusText()));
+    CompareTickets(Load(saved), VarnoPrintTicket(folder_.path()));
+
+    // Loading a ticket shows it in the controls: the saved settings come back whole.
+    open({.ppd = VARNO_SAMPLE_PPD});
+    dialog_->setFileChooser([saved](qt::FileQuestion) { return QStringList{saved}; });
+    QTest::mouseClick(button("Load Settings..."), Qt::LeftButton);
+    auto* mirror = qobject_cast<QCheckBox*>(widget({panels::kImageOptionsSignature, panels::kMirrorCheckBoxID}));
+    QVERIFY(mirror->isChecked());
+    CompareTickets(Load(saveSettings("again.plist")), Load(saved));
+  }
+
+  void modalDialogsTakeRealEvents() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    // The About dialog of the Advanced panel: modal, photographed, closed with its button.
+    const ControlID about{panels::kAdvancedSignature, panels::kAboutButtonID};
+    showPanelOf(about);
+    bool sawModal = false;
+    QTimer::singleShot(0, this, [&] {
+      QWidget* modal = QApplication::activeModalWidget();
+      sawModal = modal && modal != dialog_.get();
+      if (!sawModal) return;
+      QTest::qWaitForWindowExposed(modal);
+      Photograph(modal, "dialog-about");
+      QPushButton* ok = nullptr;
+      for (QPushButton* b : modal->findChildren<QPushButton*>()) ok = b;
+      QTest::mouseClick(ok, Qt::LeftButton);
+    });
+    QTest::mouseClick(qobject_cast<QAbstractButton*>(widget(about)), Qt::LeftButton);
+    QVERIFY(sawModal);
+    QTRY_VERIFY(QApplication::activeModalWidget() == dialog_.get() || !QApplication::activeModalWidget());
+
+    // The custom value dialog: typed characters go through the field's limits, Return is OK,
+    // and its help button opens its page of the help book.
+    const bundle::BundleRef bundle = bundle::Bundle::FindByIdentifier(vocabulary::kPlugInBundleIdentifier);
+    QVERIFY(bundle);
+    struct Case {
+      const char* typed;
+      Qt::Key close;
+      std::uint16_t result;
+      std::optional<std::string> text;
+    } cases[] = {{"123456789", Qt::Key_Return, 1, "12345678"}, {"99", Qt::Key_Escape, 2, std::nullopt}};
+    for (const Case& c : cases) {
+      QTimer::singleShot(0, this, [&] {
+        QWidget* modal = QApplication::activeModalWidget();
+        QLineEdit* field = modal ? modal->findChild<QLineEdit*>() : nullptr;
+        if (!field) return;
+        QTest::keyClicks(field, c.typed);
+        if (c.close == Qt::Key_Return) {
+          Photograph(modal, "dialog-custom-value");
+          for (QPushButton* b : modal->findChildren<QPushButton*>())
+            if (b->text() == "?") QTest::mouseClick(b, Qt::LeftButton);
+        }
+        QTest::keyClick(field, c.close);
+      });
+      std::optional<std::string> text;
+      std::uint16_t result = 0;
+      QCOMPARE(ui::RunModalCustomValueDialog(bundle, 1, 8, &text, &result), noErr);
+      QCOMPARE(result, c.result);
+      QCOMPARE(text, c.text);
+    }
+    QVERIFY(!urls_.empty() && QString::fromStdString(urls_.back()).endsWith("image_options/db_custom_color_d.htm"));
+  }
+
+  void helpOpensTheBundlesPages() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    QTest::mouseClick(button("?"), Qt::LeftButton);
+    QCOMPARE(urls_.size(), std::size_t{1});
+    const QUrl url(QString::fromStdString(urls_.front()));
+    QVERIFY(url.toLocalFile().endsWith("/Help/index.html"));
+    QVERIFY(QFileInfo::exists(url.toLocalFile()));
+  }
+
+  void closingNeverSubmitsNorSaves() {
+    const QString ticket = folder_.path() + "/kept.plist";
+    VarnoPrintTicket(folder_.path()).save(ticket.toStdString());
+    const QByteArray before = [&] { QFile f(ticket); f.open(QIODevice::ReadOnly); return f.readAll(); }();
+    for (bool byCloseBox : {false, true}) {
+      open({.ppd = VARNO_SAMPLE_PPD, .ticket = ticket.toStdString()});
+      make(kWindowChoices[2]);  // a change the dialog then drops
+      if (byCloseBox) dialog_->close();
+      else QTest::mouseClick(button("Cancel"), Qt::LeftButton);
+      QVERIFY(!dialog_->isVisible());
+      QCOMPARE(dialog_->result(), int(QDialog::Rejected));
+      QCOMPARE(dialog_->lastJob(), 0);
+    }
+    QFile f(ticket);
+    QVERIFY(f.open(QIODevice::ReadOnly));
+    QCOMPARE(f.readAll(), before);
+  }
+
+  // Needs root and cupsd, as the printing test does (label cups).
+  void printsThroughTheScheduler() {
+    testing::PrivateScheduler scheduler;
+    std::string error;
+    QVERIFY2(scheduler.start(&error) && scheduler.addQueue("varno", VARNO_SAMPLE_PPD, &error), error.c_str());
+    qputenv("HOME", QByteArray::fromStdString(scheduler.root().string()));
+    const std::string document = (scheduler.root() / "doc.ps").string();
+    std::ofstream(document) << "%!PS\nshowpage\n";
+    auto defaults = [&] {
+      std::vector<std::pair<std::string, std::string>> list;
+      for (const print::JobOption& option :
+           print::ReadQueueDefaults("varno", scheduler.server(), &error).value_or(std::vector<print::JobOption>{}))
+        list.emplace_back(option.name, option.value);
+      return list;
+    };
+    const auto defaultsBefore = defaults();
+
+    // Cancel sends nothing and leaves the queue's defaults alone.
+    open({.queue = "varno", .server = scheduler.server(), .files = {document}});
+    makeAllChoices();
+    QTest::mouseClick(button("Cancel"), Qt::LeftButton);
+    QCOMPARE(dialog_->lastJob(), 0);
+    QVERIFY(defaults() == defaultsBefore);
+
+    open({.queue = "varno", .server = scheduler.server(), .files = {document}});
+    makeAllChoices();
+    const print::Ticket saved = Load(saveSettings("printed.plist"));
+    QTest::mouseClick(button("Print"), Qt::LeftButton);
+    QVERIFY2(dialog_->lastJob() > 0, qPrintable(dialog_->statusText()));
+    QVERIFY(dialog_->statusText().contains(QString("varno-%1").arg(dialog_->lastJob())));
+    Photograph(dialog_.get(), "dialog-printed");
+    const std::optional<std::string> argument = scheduler.recordedOptions(dialog_->lastJob());
+    QVERIFY2(argument, scheduler.errorLogDigest().c_str());
+    const std::vector<print::JobOption> options = print::ParseJobOptionsArgument(*argument);
+    auto decoded = print::DecodeTicketEntries(options, &error);
+    QVERIFY2(decoded, error.c_str());
+    // What reached the printer is the dialog's ticket, entry by entry.
+    std::map<std::string, plist::Value> arrived(decoded->begin(), decoded->end());
+    QVERIFY(arrived == EntriesOf(saved));
+    // And that is varno-print's for the same choices and job name.
+    CompareTickets(saved, VarnoPrintTicket(folder_.path(), {"-t", "doc.ps"}));
+  }
+};
+
+QTEST_MAIN(PrintDialogTest)
+#include "print_dialog_test.moc"
