@@ -210,7 +210,8 @@ void PrintDialog::listPrinters() {
     std::string name = destination.name.queue;
     if (!destination.name.instance.empty()) name += "/" + destination.name.instance;
     QString label = Q(name);
-    if (!destination.description.empty()) label += " — " + Q(destination.description);
+    if (!destination.description.empty() && destination.description != name)
+      label += " — " + Q(destination.description);
     if (options_.queue && *options_.queue == name) {
       chosen = static_cast<int>(printerList_.size());
       queueListed = true;

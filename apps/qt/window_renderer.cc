@@ -105,11 +105,12 @@ QLineEdit* LineEditOf(QWidget* widget) {
   return nullptr;
 }
 
-// Fills a Qt menu from a toolkit menu; each action carries its item's index in the top menu.
-void FillMenu(QMenu* qmenu, const toolkit::Menu& menu, int topIndex) {
+// Fills a Qt menu from a toolkit menu; each action of the top menu carries its item index.
+// The automation API chooses items of the top menu only, so submenu items are shown but
+// cannot be chosen yet.
+void FillMenu(QMenu* qmenu, const toolkit::Menu& menu, bool submenu) {
   for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i) {
     const toolkit::MenuItem* item = menu.item(i);
-    const int index = topIndex ? topIndex : i;
     if (item->text == "-") {
       qmenu->addSeparator();
       continue;
@@ -117,14 +118,14 @@ void FillMenu(QMenu* qmenu, const toolkit::Menu& menu, int topIndex) {
     if (item->submenu) {
       QMenu* sub = qmenu->addMenu(Q(item->text));
       sub->setEnabled(item->enabled);
-      FillMenu(sub, *item->submenu, index);
+      FillMenu(sub, *item->submenu, true);
       continue;
     }
     QAction* action = qmenu->addAction(Q(item->text));
-    action->setEnabled(item->enabled && menu.isEnabled());
+    action->setEnabled(item->enabled && menu.isEnabled() && !submenu);
     action->setCheckable(item->checked);
     action->setChecked(item->checked);
-    action->setData(index);
+    action->setData(submenu ? 0 : i);
   }
 }
 
@@ -449,7 +450,7 @@ void WindowRenderer::refreshMenu(Control& control) {
     if (old) old->deleteLater();
     if (menu && menu->count() > 0) {
       auto* qmenu = new QMenu(button);
-      FillMenu(qmenu, *menu, 0);
+      FillMenu(qmenu, *menu, false);
       // The chosen item shows as checked, as the bevel button's menu value says.
       const auto actions = qmenu->actions();
       for (QAction* action : actions)

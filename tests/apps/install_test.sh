@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Installs the project into a temporary prefix as a package would, hides the source and
 # build trees, and runs the installed varno-print on the installed sample printer: it must
-# print the same ticket as the build tree's. The installed binaries must hold no path of
+# print the same ticket as the build tree's; the installed dialog must paint. The installed binaries must hold no path of
 # either tree, the plug-in must export only its entry points, and the man page must render
 # and name every option of --help.
 # Usage: install_test.sh CMAKE BUILD_DIR SOURCE_DIR [sanitized]
@@ -61,6 +61,22 @@ complete_words varno-print --image-q | grep -qx -e --image-quality || fail "the 
 complete_words varno-print --image-quality "" | grep -qx HighQuality ||
   fail "the completion does not offer the printer's image qualities"
 complete_words varno-print -o Dup | grep -qx Duplex=DuplexTumble || fail "the completion does not offer the PPD's choices for -o"
+
+# The dialog: it runs from the installed tree alone up to its first paint, its menu entry
+# names it and its icon, and the help book it opens is in the installed bundle.
+dialog="$prefix/usr/bin/varno-print-dialog"
+run="$hide && exec env -u VARNO_BUNDLE_PATH VARNO_REPORT_FIRST_PAINT=1 QT_QPA_PLATFORM=offscreen '$dialog' --ppd '$prefix/usr/share/varno/Varno-AT120A.ppd'"
+if ! unshare --mount sh -c "$run" 2>"$prefix/dialog.err" &&
+   ! unshare --mount --map-root-user sh -c "$run" 2>"$prefix/dialog.err"; then
+  fail "the installed varno-print-dialog failed with the trees hidden: $(cat "$prefix/dialog.err")"
+fi
+grep -q '^first-paint-ns ' "$prefix/dialog.err" || fail "the installed varno-print-dialog never painted"
+desktop="$prefix/usr/share/applications/varno-print-dialog.desktop"
+grep -qx 'Exec=varno-print-dialog %F' "$desktop" 2>/dev/null || fail "no menu entry that starts varno-print-dialog"
+[ -f "$prefix/usr/share/icons/hicolor/scalable/apps/varno-print-dialog.svg" ] || fail "no icon installed"
+[ -f "$(dirname "$plugin")/../Resources/en.lproj/Help/index.html" ] || fail "the help book is not in the installed bundle"
+dialog_page="$prefix/usr/share/man/man1/varno-print-dialog.1"
+MANWIDTH=80 man -l "$dialog_page" 2>/dev/null | grep -q "EXIT STATUS" || fail "man -l does not render $dialog_page"
 
 # The stores' folder, made by systemd-tmpfiles as at boot, in a scratch root that knows
 # this machine's users and groups.
