@@ -50,7 +50,8 @@ def code_pages(root):
         text = path.read_text(encoding="utf-8", errors="replace")
         for match in TOKEN.finditer(text):
             value = match.group("raw") if match.group("raw") is not None else match.group("text")
-            if value is None or not value.lower().endswith(PAGE_SUFFIXES):
+            # A bare suffix (".htm") is code that looks at names, not a page it opens.
+            if value is None or value.lower() in PAGE_SUFFIXES or not value.lower().endswith(PAGE_SUFFIXES):
                 continue
             line = text.count("\n", 0, match.start()) + 1
             found.append((value, f"{path.relative_to(root)}:{line}"))
