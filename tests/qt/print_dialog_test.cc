@@ -327,6 +327,18 @@ class PrintDialogTest : public QObject {
     open({.queue = "varno", .server = scheduler.server(), .files = {document}});
     makeAllChoices();
     const print::Ticket saved = Load(saveSettings("printed.plist"));
+    // An OK that the plug-in's check refuses (as it refuses a secure job without its
+    // passcode) keeps the dialog open and sends nothing.
+    static const std::vector<toolkit::EventTypeSpec> kCommands = {
+        {toolkit::kEventClassCommand, toolkit::kEventCommandProcess}};
+    toolkit::EventHandlerRef refusal = dialog_->frameWindow().installHandler(
+        kCommands, [](toolkit::EventHandlerCallRef, toolkit::Event& event) {
+          return event.command()->commandID == toolkit::kHICommandOK ? host::kOKSwallowed : eventNotHandledErr;
+        });
+    QTest::mouseClick(button("Print"), Qt::LeftButton);
+    QVERIFY(dialog_->isVisible());
+    QCOMPARE(dialog_->lastJob(), 0);
+    QCOMPARE(toolkit::RemoveEventHandler(refusal), noErr);
     QTest::mouseClick(button("Print"), Qt::LeftButton);
     QVERIFY2(dialog_->lastJob() > 0, qPrintable(dialog_->statusText()));
     QVERIFY(dialog_->statusText().contains(QString("varno-%1").arg(dialog_->lastJob())));
