@@ -26,6 +26,14 @@ int main(int argc, char** argv) {
       value += std::string(":") + old;
     ::setenv(varno::bundle::kBundlePathVariable, value.c_str(), 1);
   }
+  // Qt would abort with a list of its platform plug-ins; say what to do instead.
+  auto set = [](const char* name) { return std::getenv(name) && *std::getenv(name); };
+  if (!set("DISPLAY") && !set("WAYLAND_DISPLAY") && !set("QT_QPA_PLATFORM")) {
+    std::cerr << "varno-print-dialog: there is no desktop to show the dialog on (neither DISPLAY "
+                 "nor WAYLAND_DISPLAY is set); start it from a desktop session, or use varno-print "
+                 "on the command line\n";
+    return 1;
+  }
   QApplication app(argc, argv);
   QApplication::setApplicationName("varno-print-dialog");
   QApplication::setApplicationVersion(VARNO_VERSION);

@@ -422,7 +422,6 @@ void WindowRenderer::refreshMenu(Control& control) {
   if (!widget) return;
   const QSignalBlocker blocker(widget);
   if (auto* combo = qobject_cast<QComboBox*>(widget)) {
-    const QString text = combo->isEditable() ? combo->currentText() : QString();
     combo->clear();
     if (menu) {
       for (toolkit::MenuItemIndex i = 1; i <= menu->count(); ++i) {
@@ -434,7 +433,6 @@ void WindowRenderer::refreshMenu(Control& control) {
     }
     if (combo->isEditable()) combo->setEditText(Q(control.text()));
     else combo->setCurrentIndex(control.value() - 1);
-    (void)text;
   } else if (auto* tabs = dynamic_cast<TabWidget*>(widget)) {
     while (tabs->bar->count() > 0) tabs->bar->removeTab(0);
     if (menu)
@@ -540,7 +538,9 @@ void WindowRenderer::act(Control& control, Action action) {
   // The handlers may dispose of the control, or of the whole window.
   const QPointer<QWidget> widget = widgetFor(&control);
   action(control);
-  if (window_ && widget && rendered_.count(&control)) refresh(control);
+  // Only when the control is still the one shown by that widget: a control disposed of
+  // by the handlers may have left its address to a new one.
+  if (window_ && widget && widgetFor(&control) == widget) refresh(control);
 }
 
 void WindowRenderer::connectActions(Control& control, QWidget* widget) {
