@@ -37,11 +37,11 @@ void AddPrinterDefaults(const PPDDefaults& ppd, print::Session& session);
 
 // The framework's own settings of a job.
 struct FrameworkSettings {
-  std::optional<std::string> jobName;
-  std::optional<int> copies;
-  std::optional<int> firstPage;  // both or neither: the pages to print
-  std::optional<int> lastPage;
-  std::optional<int> orientation;  // 1 portrait, 2 landscape, 3 and 4 reversed
+  std::optional<std::string> jobName = {};
+  std::optional<int> copies = {};
+  std::optional<int> firstPage = {};  // both or neither: the pages to print
+  std::optional<int> lastPage = {};
+  std::optional<int> orientation = {};  // 1 portrait, 2 landscape, 3 and 4 reversed
 };
 // Writes them into the print-settings and page-format tickets, as the printing framework
 // does before the plug-in opens, so the panels see them. What is unset is left alone.

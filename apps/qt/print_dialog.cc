@@ -104,29 +104,37 @@ PrintDialog::~PrintDialog() {
 }
 
 void PrintDialog::buildButtons() {
+  std::int32_t number = 1;
+  for (const FrameworkButton& entry : kButtons) {
+    Control* button = frame_->embed(Control::create(ControlKind::PushButton, {}, entry.text));
+    button->setCommand(entry.command);
+    button->setID({kFrameworkSignature, number++});
+    if (entry.command == toolkit::kHICommandOK) frame_->setDefaultButton(button);
+    if (entry.command == toolkit::kHICommandCancel) frame_->setCancelButton(button);
+  }
+  layoutButtons();
+}
+
+void PrintDialog::layoutButtons() {
+  // One row under the pane: the left group from the left edge, the right group from the
+  // right edge inwards, so Print ends at the edge.
+  const std::int32_t top = frame_->bounds().height() - kButtonRowHeight + 10;
   std::int32_t left = 8;
   std::int32_t right = frame_->bounds().width() - 8;
-  const std::int32_t top = frame_->bounds().height() - kButtonRowHeight + 10;
-  std::int32_t number = 1;
-  // The right group is laid out from the edge inwards: Print last, at the edge.
-  for (auto it = std::rbegin(kButtons); it != std::rend(kButtons); ++it) {
-    if (!it->right) continue;
-    right -= it->width;
-    Control* button = frame_->embed(
-        Control::create(ControlKind::PushButton, {top, right, top + 28, right + it->width}, it->text));
-    button->setCommand(it->command);
-    button->setID({kFrameworkSignature, 10 + number++});
-    if (it->command == toolkit::kHICommandOK) frame_->setDefaultButton(button);
-    if (it->command == toolkit::kHICommandCancel) frame_->setCancelButton(button);
+  for (std::int32_t i = std::size(kButtons); i-- > 0;) {
+    const FrameworkButton& entry = kButtons[i];
+    Control* button = frame_->findByID({kFrameworkSignature, i + 1});
+    if (!entry.right || !button) continue;
+    right -= entry.width;
+    button->setBounds({top, right, top + 28, right + entry.width});
     right -= 8;
   }
-  for (const FrameworkButton& spec : kButtons) {
-    if (spec.right) continue;
-    Control* button = frame_->embed(
-        Control::create(ControlKind::PushButton, {top, left, top + 28, left + spec.width}, spec.text));
-    button->setCommand(spec.command);
-    button->setID({kFrameworkSignature, 10 + number++});
-    left += spec.width + 8;
+  for (std::int32_t i = 0; i < static_cast<std::int32_t>(std::size(kButtons)); ++i) {
+    const FrameworkButton& entry = kButtons[i];
+    Control* button = frame_->findByID({kFrameworkSignature, i + 1});
+    if (entry.right || !button) continue;
+    button->setBounds({top, left, top + 28, left + entry.width});
+    left += entry.width + 8;
   }
 }
 
@@ -308,14 +316,7 @@ bool PrintDialog::openPlugIn(QString* problem) {
   if (frame_->bounds().width() != frameWidth || frame_->bounds().height() != frameHeight) {
     frame_->setBounds({0, 0, frameHeight, frameWidth});
     pane_->setBounds({0, 0, static_cast<std::int32_t>(height), static_cast<std::int32_t>(width)});
-    const std::int32_t shift = frameHeight - kButtonRowHeight + 10;
-    for (std::size_t i = 0; i < frame_->childCount(); ++i) {
-      Control* button = frame_->child(i);
-      if (button->id().signature != kFrameworkSignature) continue;
-      toolkit::Rect b = button->bounds();
-      b = {shift, b.left, shift + b.height(), b.right};
-      button->setBounds(b);
-    }
+    layoutButtons();
   }
   if (driver_->initialize(session_.get(), pane_) != noErr || driver_->open() != noErr) {
     *problem = tr("The Varno options cannot be shown: %1").arg(Q(driver_->error()));

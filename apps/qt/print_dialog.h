@@ -26,11 +26,11 @@
 namespace varno::qt {
 
 struct DialogOptions {
-  std::optional<std::string> queue;   // -P: "QUEUE" or "QUEUE/INSTANCE"
-  std::optional<std::string> server;  // -h
-  std::optional<std::string> ppd;     // --ppd
-  std::optional<std::string> ticket;  // --ticket
-  std::vector<std::string> files;
+  std::optional<std::string> queue = {};   // -P: "QUEUE" or "QUEUE/INSTANCE"
+  std::optional<std::string> server = {};  // -h
+  std::optional<std::string> ppd = {};     // --ppd
+  std::optional<std::string> ticket = {};  // --ticket
+  std::vector<std::string> files = {};
 };
 
 // What the dialog asks a person for through a file chooser.
@@ -76,6 +76,7 @@ class PrintDialog final : public QDialog {
   void closePlugIn();
   bool openPlugIn(QString* problem);
   void buildButtons();
+  void layoutButtons();
   OSStatus command(toolkit::MenuCommand command);
   hosts::FrameworkSettings frameworkSettings() const;
   void writeFrameworkSettings();

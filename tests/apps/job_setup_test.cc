@@ -11,21 +11,25 @@ namespace {
 
 TEST(FrameworkSettings, ReachTheTicketsAndTheScheduler) {
   struct Case {
-    FrameworkSettings settings;
+    std::optional<int> copies, firstPage, lastPage, orientation;
     std::vector<std::pair<std::string, std::string>> options;
   } cases[] = {
-      {{}, {}},
-      {{.copies = 3, .firstPage = 2, .lastPage = 5, .orientation = 1},
-       {{"copies", "3"}, {"page-ranges", "2-5"}, {"orientation-requested", "3"}}},
-      {{.orientation = 2}, {{"orientation-requested", "4"}}},
-      {{.orientation = 3}, {{"orientation-requested", "6"}}},  // IPP's reverse portrait
-      {{.orientation = 4}, {{"orientation-requested", "5"}}},
-      {{.firstPage = 2}, {}},  // half a range is no range
-      {{.orientation = 9}, {}},
+      {{}, {}, {}, {}, {}},
+      {3, 2, 5, 1, {{"copies", "3"}, {"page-ranges", "2-5"}, {"orientation-requested", "3"}}},
+      {{}, {}, {}, 2, {{"orientation-requested", "4"}}},
+      {{}, {}, {}, 3, {{"orientation-requested", "6"}}},  // IPP's reverse portrait
+      {{}, {}, {}, 4, {{"orientation-requested", "5"}}},
+      {{}, 2, {}, {}, {}},  // half a range is no range
+      {{}, {}, {}, 9, {}},
   };
   for (const Case& c : cases) {
+    FrameworkSettings settings;
+    settings.copies = c.copies;
+    settings.firstPage = c.firstPage;
+    settings.lastPage = c.lastPage;
+    settings.orientation = c.orientation;
     std::vector<std::pair<std::string, std::string>> options;
-    for (const print::JobOption& option : FrameworkJobOptions(c.settings)) options.emplace_back(option.name, option.value);
+    for (const print::JobOption& option : FrameworkJobOptions(settings)) options.emplace_back(option.name, option.value);
     EXPECT_EQ(options, c.options);
   }
 

@@ -231,7 +231,7 @@ class PrintDialogTest : public QObject {
       QWidget* modal = QApplication::activeModalWidget();
       sawModal = modal && modal != dialog_.get();
       if (!sawModal) return;
-      QTest::qWaitForWindowExposed(modal);
+      if (!QTest::qWaitForWindowExposed(modal)) return;
       Photograph(modal, "dialog-about");
       QPushButton* ok = nullptr;
       for (QPushButton* b : modal->findChildren<QPushButton*>()) ok = b;
