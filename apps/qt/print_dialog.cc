@@ -197,7 +197,12 @@ QWidget* PrintDialog::makeFrameworkParts() {
     range->setChecked(true);
     writeFrameworkSettings();
   });
-  connect(orientation_, &QComboBox::currentIndexChanged, this, [this] { writeFrameworkSettings(); });
+  connect(orientation_, &QComboBox::currentIndexChanged, this, [this] {
+    writeFrameworkSettings();
+    // Panels read the orientation from the page format: let them see the new one, keeping
+    // what the person chose in them.
+    if (driver_ && driver_->sync(false) == noErr) driver_->sync(true);
+  });
   return parts;
 }
 

@@ -21,6 +21,7 @@
 #include "panels/image_options/image_options_panel.h"
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
+#include "platform/print/framework_keys.h"
 #include "platform/print/job_options.h"
 #include "platform/print/ticket.h"
 #include "platform/toolkit/window.h"
@@ -89,10 +90,10 @@ void CompareTickets(const print::Ticket& dialog, const print::Ticket& command) {
 }
 
 // Runs varno-print with the same choices; its ticket.
-print::Ticket VarnoPrintTicket(const QString& folder, const QStringList& extra = {}) {
+print::Ticket VarnoPrintTicket(const QString& folder, const QStringList& extra = {"-n", "1"}) {
   QProcess process;
   const QString out = folder + "/varno-print.plist";
-  process.start(kVarnoPrint, QStringList{"--ppd", VARNO_SAMPLE_PPD, "-n", "1", "--save-ticket", out} +
+  process.start(kVarnoPrint, QStringList{"--ppd", VARNO_SAMPLE_PPD, "--save-ticket", out} +
                                  kCommandLineChoices + extra);
   process.waitForFinished(30000);
   if (process.exitCode() != 0) qWarning("%s", process.readAllStandardError().constData());
@@ -326,6 +327,10 @@ class PrintDialogTest : public QObject {
 
     open({.queue = "varno", .server = scheduler.server(), .files = {document}});
     makeAllChoices();
+    // The dialog's own settings, typed and chosen as a person does.
+    dialog_->copiesBox()->selectAll();
+    QTest::keyClicks(dialog_->copiesBox(), "2");
+    ChooseByKeys(dialog_->orientationChooser(), "Landscape");
     const print::Ticket saved = Load(saveSettings("printed.plist"));
     // An OK that the plug-in's check refuses (as it refuses a secure job without its
     // passcode) keeps the dialog open and sends nothing.
@@ -351,8 +356,18 @@ class PrintDialogTest : public QObject {
     // What reached the printer is the dialog's ticket, entry by entry.
     std::map<std::string, plist::Value> arrived(decoded->begin(), decoded->end());
     QVERIFY(arrived == EntriesOf(saved));
+    // Copies and orientation are the scheduler's to apply.
+    std::ifstream titleAndCopies(scheduler.recordedTitleAndCopies(dialog_->lastJob()));
+    std::string title, copies;
+    std::getline(titleAndCopies, title);
+    std::getline(titleAndCopies, copies);
+    QCOMPARE(copies, std::string("2"));
+    QVERIFY2(argument->find("orientation-requested=4") != std::string::npos, argument->c_str());
+    std::int32_t orientation = 0;
+    QCOMPARE(dialog_->session()->pageFormat().getNumber(print::kOrientationKey, orientation), noErr);
+    QCOMPARE(orientation, 2);
     // And that is varno-print's for the same choices and job name.
-    CompareTickets(saved, VarnoPrintTicket(folder_.path(), {"-t", "doc.ps"}));
+    CompareTickets(saved, VarnoPrintTicket(folder_.path(), {"-t", "doc.ps", "-n", "2"}));
   }
 };
 
