@@ -15,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <random>
 
 #include "host/dialog_host.h"
 #include "panels/image_options/advanced_panel.h"
@@ -283,6 +284,55 @@ class PrintDialogTest : public QObject {
     QVERIFY(QFileInfo::exists(url.toLocalFile()));
   }
 
+  // A person trying everything in any order: the window stays a true picture of the
+  // toolkit's tree after every action (with the sanitizers, nothing is used after it went).
+  void randomActionsKeepTheWindowInStep() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    const QString file = folder_.path() + "/random.plist";
+    dialog_->setFileChooser([file](qt::FileQuestion) { return QStringList{file}; });
+    // Modal dialogs opened on the way are closed with their close box.
+    QTimer dismiss;
+    connect(&dismiss, &QTimer::timeout, this, [this] {
+      QWidget* modal = QApplication::activeModalWidget();
+      if (modal && modal != dialog_.get()) modal->close();
+    });
+    dismiss.start(20);
+    std::mt19937 random(20261125);
+    for (int step = 0; step < 300; ++step) {
+      std::vector<QWidget*> reachable;
+      for (QWidget* child : dialog_->findChildren<QWidget*>()) {
+        toolkit::Control* control = dialog_->renderer().controlFor(child);
+        if (control && dialog_->renderer().widgetFor(control) == child && child->isVisible() &&
+            child->isEnabled() && control->kind() != toolkit::ControlKind::UserPane &&
+            control->kind() != toolkit::ControlKind::Window && child != button("Cancel"))
+          reachable.push_back(child);
+      }
+      QVERIFY(!reachable.empty());
+      QWidget* target = reachable[random() % reachable.size()];
+      if (auto* combo = qobject_cast<QComboBox*>(target)) {
+        combo->setFocus();
+        QTest::keyClick(combo, random() % 2 ? Qt::Key_Down : Qt::Key_Up);
+      } else if (auto* edit = qobject_cast<QLineEdit*>(target)) {
+        QTest::keyClicks(edit, "7a");
+      } else {
+        QTest::mouseClick(target, Qt::LeftButton, {}, QPoint(4, target->height() / 2));
+      }
+      // Every control has its widget, shown and enabled as the toolkit says.
+      std::vector<toolkit::Control*> stack{&dialog_->frameWindow()};
+      while (!stack.empty()) {
+        toolkit::Control* control = stack.back();
+        stack.pop_back();
+        for (std::size_t i = 0; i < control->childCount(); ++i) stack.push_back(control->child(i));
+        QWidget* widget = dialog_->renderer().widgetFor(control);
+        QVERIFY2(widget, toolkit::Traits(control->kind()).name);
+        QCOMPARE(widget->isVisible(), control->isShown());
+        if (control->isShown())
+          QCOMPARE(widget->isEnabled(), control->isEffectivelyEnabled() && control->isEffectivelyActive());
+      }
+    }
+    QVERIFY(dialog_->isVisible());
+  }
+
   void closingNeverSubmitsNorSaves() {
     const QString ticket = folder_.path() + "/kept.plist";
     VarnoPrintTicket(folder_.path()).save(ticket.toStdString());
@@ -317,6 +367,21 @@ class PrintDialogTest : public QObject {
       return list;
     };
     const auto defaultsBefore = defaults();
+
+    // Switching printers closes the plug-in and opens it for the next Varno printer; another
+    // maker's printer gets no pane, only a line that says why.
+    QVERIFY2(scheduler.addQueue("other", VARNO_TEST_DATA_DIR "/ppd/Other-Maker.ppd", &error), error.c_str());
+    open({.server = scheduler.server()});
+    const ControlID selector{host::kHostSignature, host::kSelectorID};
+    for (const char* queue : {"other", "varno", "other"}) {
+      ChooseByKeys(dialog_->printerChooser(), queue);
+      const bool varno = std::string_view(queue) == "varno";
+      QCOMPARE(widget(selector) != nullptr, varno);
+      bool said = false;
+      for (QLabel* label : dialog_->findChildren<QLabel*>())
+        said |= label->isVisible() && label->text().contains("not a Varno printer");
+      QCOMPARE(said, !varno);
+    }
 
     // Cancel sends nothing and leaves the queue's defaults alone.
     open({.queue = "varno", .server = scheduler.server(), .files = {document}});
