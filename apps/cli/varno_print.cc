@@ -35,8 +35,6 @@ using cli::Options;
 
 constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
-// Entries read back from a queue's defaults have lost their writer; they are the ticket's.
-constexpr const char* kDefaultsClient = "com.varno.print";
 
 int Fail(const std::string& message, int status = kExitFailure) {
   std::cerr << "varno-print: " << message << "\n";
@@ -93,19 +91,11 @@ int ReadPrinter(const Options& options, print::Session& session, hosts::PPDDefau
 int ApplyQueueDefaults(const Options& options, const hosts::PPDDefaults& ppd,
                        print::Session& session) {
   std::string error;
-  std::optional<std::vector<print::JobOption>> defaults =
-      print::ReadQueueDefaults(*options.queue, options.server.value_or(""), &error);
-  if (!defaults) return Fail(error);
-  std::optional<std::vector<std::pair<std::string, plist::Value>>> entries =
-      print::DecodeTicketEntries(*defaults, &error);
-  if (!entries) return Fail("the defaults of queue \"" + *options.queue + "\": " + error);
-  print::Ticket ticket = session.printSettings();
-  for (auto& [key, value] : *entries) ticket.setValue(key, std::move(value), kDefaultsClient);
-  plist::Dictionary choices = ticket.ppdDictionary();
-  for (const print::JobOption& option : print::PlainJobOptions(*defaults))
-    if (ppd.choicesOf(option.name)) choices.set(option.name, option.value);
+  const std::optional<std::size_t> entries =
+      hosts::StartFromQueueDefaults(*options.queue, options.server.value_or(""), ppd, session, error);
+  if (!entries) return Fail(error);
   Say(options, "started from the defaults of queue " + *options.queue + " (" +
-      std::to_string(entries->size()) + " ticket entries)");
+      std::to_string(*entries) + " ticket entries)");
   return 0;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "common/job_setup.h"
 
+#include "platform/print/cups_queue.h"
 #include "platform/print/framework_keys.h"
 
 namespace varno::hosts {
@@ -32,6 +33,27 @@ void AddPrinterDefaults(const PPDDefaults& ppd, print::Session& session) {
   plist::Dictionary choices = session.printSettings().ppdDictionary();
   for (const auto& [keyword, choice] : ppd.choices)
     if (!choices.contains(keyword)) choices.set(keyword, choice);
+}
+
+std::optional<std::size_t> StartFromQueueDefaults(const std::string& queue, const std::string& server,
+                                                  const PPDDefaults& ppd, print::Session& session,
+                                                  std::string& error) {
+  std::optional<std::vector<print::JobOption>> defaults = print::ReadQueueDefaults(queue, server, &error);
+  if (!defaults) return std::nullopt;
+  std::optional<std::vector<std::pair<std::string, plist::Value>>> entries =
+      print::DecodeTicketEntries(*defaults, &error);
+  if (!entries) {
+    error = "the defaults of queue \"" + queue + "\": " + error;
+    return std::nullopt;
+  }
+  // Entries read back from a queue's defaults have lost their writer; they are the ticket's.
+  static constexpr const char* kDefaultsClient = "com.varno.print";
+  print::Ticket ticket = session.printSettings();
+  for (auto& [key, value] : *entries) ticket.setValue(key, std::move(value), kDefaultsClient);
+  plist::Dictionary choices = ticket.ppdDictionary();
+  for (const print::JobOption& option : print::PlainJobOptions(*defaults))
+    if (ppd.choicesOf(option.name)) choices.set(option.name, option.value);
+  return entries->size();
 }
 
 void WriteFrameworkSettings(const FrameworkSettings& settings, print::Session& session) {

@@ -35,6 +35,13 @@ std::string NotVarnoMessage(const std::filesystem::path& path, const PPDDefaults
 // choice the ticket already holds (a saved ticket's choices win).
 void AddPrinterDefaults(const PPDDefaults& ppd, print::Session& session);
 
+// Starts the session's ticket from the saved defaults of `queue` ("QUEUE" or
+// "QUEUE/INSTANCE"): the ticket entries they carry and the choices of the printer's own
+// PPD options. The number of ticket entries, or nullopt with the reason.
+std::optional<std::size_t> StartFromQueueDefaults(const std::string& queue, const std::string& server,
+                                                  const PPDDefaults& ppd, print::Session& session,
+                                                  std::string& error);
+
 // The framework's own settings of a job.
 struct FrameworkSettings {
   std::optional<std::string> jobName = {};

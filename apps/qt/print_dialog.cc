@@ -268,6 +268,7 @@ void PrintDialog::openPrinter(int index) {
   if (printer.ppd) session_->setPrinterPPD(*printer.ppd);
   else session_->setPrinterQueue(print::SplitDestination(*printer.queue).queue, options_.server.value_or(""));
   // The ticket given on the command line is where the first printer starts from.
+  startedFromTicket_ = options_.ticket.has_value();
   if (options_.ticket) {
     std::string error;
     std::optional<print::Ticket> ticket = print::Ticket::load(*options_.ticket, &error);
@@ -296,6 +297,12 @@ bool PrintDialog::openPlugIn(QString* problem) {
     writeFrameworkSettings();
     return false;
   }
+  // A queue's saved defaults are where its jobs start, as in every application's dialog,
+  // unless the dialog was given settings of its own.
+  const Printer& printer = printerList_.at(shownPrinter_);
+  if (printer.queue && !startedFromTicket_ &&
+      !hosts::StartFromQueueDefaults(*printer.queue, options_.server.value_or(""), ppd_, *session_, error))
+    say(tr("The saved defaults of %1 were not read: %2").arg(Q(*printer.queue), Q(error)), true);
   hosts::AddPrinterDefaults(ppd_, *session_);
   writeFrameworkSettings();
 

@@ -94,6 +94,7 @@ class PrintDialog final : public QDialog {
   DialogOptions options_;
   std::vector<Printer> printerList_;
   int shownPrinter_ = -1;
+  bool startedFromTicket_ = false;  // the printer shown started from --ticket
 
   // The toolkit window outlives the plug-in that draws into it.
   std::unique_ptr<toolkit::Window> frame_;

@@ -433,6 +433,13 @@ class PrintDialogTest : public QObject {
     QCOMPARE(orientation, 2);
     // And that is varno-print's for the same choices and job name.
     CompareTickets(saved, VarnoPrintTicket(folder_.path(), {"-t", "doc.ps", "-n", "2"}));
+
+    // Saved as the queue's defaults, the choices are where the next dialog on it starts.
+    QTest::mouseClick(button("Save as Defaults"), Qt::LeftButton);
+    QVERIFY2(dialog_->statusText().contains("now the defaults"), qPrintable(dialog_->statusText()));
+    open({.queue = "varno", .server = scheduler.server()});
+    for (const WindowChoice& choice : kWindowChoices)
+      if (choice.item.isEmpty()) QVERIFY(qobject_cast<QCheckBox*>(widget(choice.control))->isChecked());
   }
 };
 
