@@ -29,6 +29,8 @@ const InstalledFeatureMap InstalledFeatures[] = {
     {"DualStapleKey", "VNFinisher", "SBClassBooklet", "2 Staples", 0},
     {"BookletFoldKey", "VNFinisher", "SBClassBooklet", nullptr, 0},
     {"SBBookletMaker", "VNFinisher", "SBClassBooklet", nullptr, 0},
+    // Inserts can come from a post-print inserter: its stock source is 10.
+    {"PostPrintInserterKey", "VNPostPrintInserter", "True", "Post-Print Inserter", 10},
     {nullptr, nullptr, nullptr, nullptr, 0},
 };
 
