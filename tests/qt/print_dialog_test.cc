@@ -28,7 +28,9 @@
 #include "platform/toolkit/window.h"
 #include "print_dialog.h"
 #include "support/private_scheduler.h"
+#include "ui/custom_stock_size_dialog.h"
 #include "ui/panel_ui.h"
+#include "vocabulary/setting_maps.h"
 #include "vocabulary/plugin_bundle.h"
 
 namespace {
@@ -273,6 +275,25 @@ class PrintDialogTest : public QObject {
       QCOMPARE(text, c.text);
     }
     QVERIFY(!urls_.empty() && QString::fromStdString(urls_.back()).endsWith("image_options/db_custom_color_d.htm"));
+
+    // The custom paper size dialog of the stock menus: millimetres chosen with the keys, a
+    // size typed into its fields, Return to confirm.
+    QTimer::singleShot(0, this, [&] {
+      QWidget* modal = QApplication::activeModalWidget();
+      QList<QLineEdit*> fields = modal ? modal->findChildren<QLineEdit*>() : QList<QLineEdit*>();
+      QComboBox* unit = modal ? modal->findChild<QComboBox*>() : nullptr;
+      if (fields.size() != 2 || !unit) return;
+      ChooseByKeys(unit, "millimeters");
+      QTest::keyClicks(fields[0], "210");
+      QTest::keyClicks(fields[1], "297");
+      Photograph(modal, "dialog-custom-paper-size");
+      QTest::keyClick(fields[1], Qt::Key_Return);
+    });
+    std::int32_t width = vocabulary::kUnsetValue, length = vocabulary::kUnsetValue;
+    bool confirmed = false;
+    QCOMPARE(ui::RunModalCustomStockSizeDialog(bundle, &width, &length, &confirmed), noErr);
+    QVERIFY(confirmed);
+    QCOMPARE(std::make_pair(width, length), std::make_pair(595, 842));  // A4 in points
   }
 
   void helpOpensTheBundlesPages() {
