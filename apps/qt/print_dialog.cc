@@ -389,6 +389,15 @@ bool PrintDialog::syncToTicket() {
   return true;
 }
 
+std::optional<std::vector<print::JobOption>> PrintDialog::ticketJobOptions(const QString& failure) {
+  if (!syncToTicket()) return std::nullopt;
+  std::string error;
+  std::optional<std::vector<print::JobOption>> jobOptions =
+      print::TicketToJobOptions(session_->printSettings(), &error);
+  if (!jobOptions) say(tr("%1: the settings cannot become job options: %2").arg(failure, Q(error)), true);
+  return jobOptions;
+}
+
 void PrintDialog::print() {
   const Printer& printer = printerList_.at(shownPrinter_);
   if (!printer.queue) {
@@ -402,14 +411,9 @@ void PrintDialog::print() {
     say(tr("Nothing was printed: choose the files to print with Choose Files..."), true);
     return;
   }
-  if (!syncToTicket()) return;
+  std::optional<std::vector<print::JobOption>> jobOptions = ticketJobOptions(tr("Nothing was printed"));
+  if (!jobOptions) return;
   std::string error;
-  std::optional<std::vector<print::JobOption>> jobOptions =
-      print::TicketToJobOptions(session_->printSettings(), &error);
-  if (!jobOptions) {
-    say(tr("The settings cannot be sent to the printer: %1").arg(Q(error)), true);
-    return;
-  }
   for (print::JobOption& option : hosts::FrameworkJobOptions(frameworkSettings()))
     jobOptions->push_back(std::move(option));
   const std::string queue = print::SplitDestination(*printer.queue).queue;
@@ -434,11 +438,10 @@ void PrintDialog::saveAsDefaults() {
             .arg(printer.label), true);
     return;
   }
-  if (!syncToTicket()) return;
+  std::optional<std::vector<print::JobOption>> jobOptions = ticketJobOptions(tr("The defaults were not saved"));
+  if (!jobOptions) return;
   std::string error;
-  std::optional<std::vector<print::JobOption>> jobOptions =
-      print::TicketToJobOptions(session_->printSettings(), &error);
-  if (!jobOptions || !print::SaveQueueDefaults(*printer.queue, options_.server.value_or(""), *jobOptions, &error)) {
+  if (!print::SaveQueueDefaults(*printer.queue, options_.server.value_or(""), *jobOptions, &error)) {
     say(tr("The defaults were not saved: %1").arg(Q(error)), true);
     return;
   }

@@ -82,6 +82,9 @@ class PrintDialog final : public QDialog {
   void writeFrameworkSettings();
   // Writes the pane into the ticket; false, said in the status line, when it fails.
   bool syncToTicket();
+  // The pane written into the ticket, as CUPS job options; nullopt, said in the status line
+  // after `failure`, when either step fails.
+  std::optional<std::vector<print::JobOption>> ticketJobOptions(const QString& failure);
   void print();
   void saveAsDefaults();
   void saveSettings();

@@ -235,7 +235,7 @@ std::optional<std::string> GenerateStockSummary(const bundle::BundleRef& bundle,
           case kTabStockType:
           case kTabStockType2:
             text = ChoiceText("MediaType", stock->type());
-            if (stock->modulus() > 0 && stock->modulus() != kUnsetValue) text = WithCount(text, stock->modulus());
+            if (stock->modulus() > 0) text = WithCount(text, stock->modulus());  // unset is negative
             break;
           default: text = ChoiceText("MediaType", stock->type()); break;
         }
