@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPoint>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStandardItemModel>
@@ -105,27 +106,26 @@ QLineEdit* LineEditOf(QWidget* widget) {
   return nullptr;
 }
 
-// Fills a Qt menu from a toolkit menu; each action of the top menu carries its item index.
-// The automation API chooses items of the top menu only, so submenu items are shown but
-// cannot be chosen yet.
-void FillMenu(QMenu* qmenu, const toolkit::Menu& menu, bool submenu) {
+// Fills a Qt menu from a toolkit menu. Each action carries where its item is: (item, 0)
+// for an item of the top menu, (item, subitem) for an item of that item's submenu.
+void FillMenu(QMenu* qmenu, const toolkit::Menu& menu, toolkit::MenuItemIndex parent) {
   for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i) {
     const toolkit::MenuItem* item = menu.item(i);
     if (item->text == "-") {
       qmenu->addSeparator();
       continue;
     }
-    if (item->submenu) {
+    if (item->submenu && parent == 0) {
       QMenu* sub = qmenu->addMenu(Q(item->text));
-      sub->setEnabled(item->enabled);
-      FillMenu(sub, *item->submenu, true);
+      sub->setEnabled(item->enabled && menu.isEnabled());
+      FillMenu(sub, *item->submenu, i);
       continue;
     }
     QAction* action = qmenu->addAction(Q(item->text));
-    action->setEnabled(item->enabled && menu.isEnabled() && !submenu);
+    action->setEnabled(item->enabled && menu.isEnabled());
     action->setCheckable(item->checked);
     action->setChecked(item->checked);
-    action->setData(submenu ? 0 : i);
+    action->setData(parent == 0 ? QPoint(i, 0) : QPoint(parent, i));
   }
 }
 
@@ -448,18 +448,26 @@ void WindowRenderer::refreshMenu(Control& control) {
     if (old) old->deleteLater();
     if (menu && menu->count() > 0) {
       auto* qmenu = new QMenu(button);
-      FillMenu(qmenu, *menu, false);
+      FillMenu(qmenu, *menu, 0);
       // The chosen item shows as checked, as the bevel button's menu value says.
       const auto actions = qmenu->actions();
       for (QAction* action : actions)
-        if (action->data().toInt() == control.menuValue() && control.menuValue() != 0) {
+        if (action->data().toPoint() == QPoint(control.menuValue(), 0) && control.menuValue() != 0) {
           action->setCheckable(true);
           action->setChecked(true);
         }
+      // Submenus' actions reach this too: QMenu passes its submenus' triggers up.
       connect(qmenu, &QMenu::triggered, this, [this, target = &control](QAction* action) {
-        const int index = action->data().toInt();
-        if (index > 0)
-          act(*target, [index](Control& c) { toolkit::ChooseMenuItem(c, static_cast<toolkit::MenuItemIndex>(index)); });
+        const QPoint where = action->data().toPoint();
+        const auto item = static_cast<toolkit::MenuItemIndex>(where.x());
+        const auto subitem = static_cast<toolkit::MenuItemIndex>(where.y());
+        if (item == 0) return;
+        act(*target, [item, subitem](Control& c) {
+          if (subitem == 0)
+            toolkit::ChooseMenuItem(c, item);
+          else
+            toolkit::ChooseSubmenuItem(c, item, subitem);
+        });
       });
       button->setMenu(qmenu);
       button->setPopupMode(QToolButton::InstantPopup);

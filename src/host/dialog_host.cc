@@ -440,18 +440,42 @@ OSStatus HostTerminate(print::PMPDEContext context, OSStatus status) {
   return result;
 }
 
-FirstPanelJobState CopyFirstPanelJobState(DialogHostContext*) {
-  // The Paper/Output panel keeps the job type, passcode and fax recipients; until it
-  // exists there is no job type to check.
-  return {};
+void AttachFirstPanelJob(print::PMPDEContext panel, FirstPanelJob* job) {
+  DialogHostContext* host = currentHostContext;
+  if (host && job && !host->panels.empty() && host->panels.front().context == panel)
+    host->firstPanelJob = job;
+}
+
+void DetachFirstPanelJob(const FirstPanelJob* job) {
+  DialogHostContext* host = currentHostContext;
+  if (host && job && host->firstPanelJob == job) host->firstPanelJob = nullptr;
+}
+
+FirstPanelJobState CopyFirstPanelJobState(DialogHostContext* host) {
+  FirstPanelJobState state;
+  const FirstPanelJob* job = host ? host->firstPanelJob : nullptr;
+  if (!job || !job->jobType) return state;
+  state.jobType = *job->jobType;
+  if (job->passcode && *job->passcode) state.securePrintPasscode = **job->passcode;
+  if (job->faxOptions && *job->faxOptions) state.faxOptions = **job->faxOptions;
+  if (job->recipients && *job->recipients)
+    state.faxRecipientCount = static_cast<std::size_t>((*job->recipients)->count());
+  return state;
 }
 
 OSStatus CheckJobBeforeOK(DialogHostContext* host, const FirstPanelJobState& state) {
   if (state.jobType == kFaxJobType) {
     if (state.faxRecipientCount > 0) return eventNotHandledErr;
     // The user presses OK again once recipients are set; nothing re-checks the set-up.
-    plist::Dictionary faxOptions = state.faxOptions;
-    fax::RunModalLANFaxSetup(host ? host->bundle : nullptr, faxOptions, nullptr);
+    FirstPanelJob* job = host ? host->firstPanelJob : nullptr;
+    if (job && job->faxOptions && job->recipients) {
+      if (!*job->faxOptions) *job->faxOptions = plist::Dictionary{};
+      if (!*job->recipients) *job->recipients = std::make_unique<fax::FaxRecipientList>();
+      fax::RunModalLANFaxSetup(host->bundle, **job->faxOptions, job->recipients->get());
+    } else {
+      plist::Dictionary faxOptions = state.faxOptions;
+      fax::RunModalLANFaxSetup(host ? host->bundle : nullptr, faxOptions, nullptr);
+    }
     return kOKSwallowed;
   }
   if (state.jobType != kSecurePrintJobType) return eventNotHandledErr;

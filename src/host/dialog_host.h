@@ -10,9 +10,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "fax/fax_recipient_list.h"
 #include "host/image_manager.h"
 #include "platform/bundle/bundle.h"
 #include "platform/plist/value.h"
@@ -53,6 +55,15 @@ struct PanelRecord {
   std::int32_t tabIndex = -1;                 // 1-based; -1: loaded but never used
 };
 
+// Where the first panel (Paper/Output) keeps what the OK check reads; the panel points the
+// host at its own fields, and the check creates the fax options and recipients there.
+struct FirstPanelJob {
+  std::int32_t* jobType = nullptr;
+  std::optional<std::string>* passcode = nullptr;
+  std::optional<plist::Dictionary>* faxOptions = nullptr;
+  std::unique_ptr<fax::FaxRecipientList>* recipients = nullptr;
+};
+
 struct DialogHostContext {
   std::uint32_t opened = 0;
   bundle::BundleRef bundle;
@@ -72,6 +83,7 @@ struct DialogHostContext {
   toolkit::EventHandlerRef initHandlerRef = nullptr;    // on the window, Initialize
   std::uint32_t hostPaneMade = 0;
   std::unique_ptr<ImageManager> imageManager;  // made at the first Open
+  FirstPanelJob* firstPanelJob = nullptr;       // set by the first panel's Initialize
 };
 
 // Signature and numbers of the host's controls in "Dialog_Host" / "Window".
@@ -123,8 +135,13 @@ OSStatus RegisterMyHelpBook(DialogHostContext* host);
 // Opens the bundle's help book at a page or an anchor; -50 without a help book name.
 OSStatus DisplayHelp(const bundle::BundleRef& bundle, const char* page, const char* anchor);
 
-// What the OK check needs from the first panel. Until that panel exists the accessor
-// reports no job type, and OK always goes on.
+// Points the current host at `job` when `panel` is its first panel (the panel's
+// Initialize); Detach lets go of it when the host still points there (its Terminate).
+void AttachFirstPanelJob(print::PMPDEContext panel, FirstPanelJob* job);
+void DetachFirstPanelJob(const FirstPanelJob* job);
+
+// What the OK check needs from the first panel. Without that panel the accessor reports
+// no job type, and OK always goes on.
 struct FirstPanelJobState {
   std::int32_t jobType = 0;  // 0: none known
   std::string securePrintPasscode;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The getters of the built-in panels still to come; Image Options and Advanced have their own.
+// The getters of the built-in panels still to come; the others have their own.
 // Each of these only makes and frees its context (title, kind, creator); controls, ticket
 // handling and summaries come with each panel's own work.
 #include <new>
@@ -49,7 +49,6 @@ OSStatus GetPanelInterface(host::PanelInterfaceHolder** out) {
       out);
 }
 
-constexpr char kPaperOutput[] = "PaperOutput";
 constexpr char kBookletWatermark[] = "BookletWatermark";
 constexpr char kSpecialPages[] = "SpecialPages";
 constexpr char kJobNotes[] = "JobNotes";
@@ -57,9 +56,6 @@ constexpr char kJobNotes[] = "JobNotes";
 }  // namespace
 }  // namespace varno::panels
 
-extern "C" varno::OSStatus GetPaperOutputPanelInterface(varno::host::PanelInterfaceHolder** out) {
-  return varno::panels::GetPanelInterface<varno::panels::kPaperOutput>(out);
-}
 extern "C" varno::OSStatus GetBookletWatermarkPanelInterface(
     varno::host::PanelInterfaceHolder** out) {
   return varno::panels::GetPanelInterface<varno::panels::kBookletWatermark>(out);

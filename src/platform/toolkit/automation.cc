@@ -79,6 +79,34 @@ OSStatus ChooseMenuItem(Control& control, MenuItemIndex item) {
   return noErr;
 }
 
+OSStatus ChooseSubmenuItem(Control& control, MenuItemIndex item, MenuItemIndex subitem) {
+  if (OSStatus status = CanChoose(control, item)) return status;
+  MenuPtr submenu(control.menu()->item(item)->submenu);
+  if (!submenu) return paramErr;
+  auto alive = control.watch();
+  MenuPtr menu(control.menu());
+  for (Menu* opened : {menu.get(), submenu.get()}) {
+    Event opening(kEventClassMenu, kEventMenuEnableItems);
+    opening.set<Menu*>(kEventParamDirectObject, typeMenuRef, opened);
+    control.send(opening);
+    if (alive.expired()) return noErr;
+  }
+  // The handlers of the opening menus may have disabled either item.
+  if (OSStatus status = CanChoose(control, item)) return status;
+  const MenuItem* chosen = submenu->item(subitem);
+  if (!chosen) return menuItemNotFoundErr;
+  if (!chosen->enabled || !submenu->isEnabled()) return errControlHiddenOrDisabled;
+
+  Event track = ControlEvent(kEventControlTrack, control, kControlNoPart);
+  control.send(track);
+  if (alive.expired()) return noErr;
+  Event hit = ControlEvent(kEventControlHit, control, kControlNoPart);
+  hit.set<MenuItemIndex>(kEventParamMenuItemIndex, typeMenuItemIndex, subitem);
+  hit.set<Menu*>(kEventParamMenuRef, typeMenuRef, submenu.get());
+  control.send(hit);
+  return noErr;
+}
+
 OSStatus ChooseMenuItemByText(Control& control, std::string_view text) {
   if (!control.menu()) return paramErr;
   MenuItemIndex item = control.menu()->findText(text);

@@ -32,6 +32,10 @@ OSStatus ChooseMenuItem(Control& control, MenuItemIndex item);
 // The same for the first item with that text, or with that reference value.
 OSStatus ChooseMenuItemByText(Control& control, std::string_view text);
 OSStatus ChooseMenuItemByRefCon(Control& control, URefCon refCon);
+// Chooses item `subitem` of the submenu of item `item`: kEventMenuEnableItems with the
+// menu and then the submenu, kEventControlTrack (the control's own value stays), then
+// kEventControlHit carrying the submenu and the item, so the command names the submenu.
+OSStatus ChooseSubmenuItem(Control& control, MenuItemIndex item, MenuItemIndex subitem);
 
 // Moves the keyboard focus into the control, as a click into a field does.
 OSStatus SetFocus(Control& control);

@@ -45,6 +45,8 @@ inline constexpr OSType kEventParamDirectObject = MakeOSType("----");
 inline constexpr OSType kEventParamControlPart = MakeOSType("cprt");
 inline constexpr OSType kEventParamTextInputSendText = MakeOSType("tstx");
 inline constexpr OSType kEventParamMenuItemIndex = MakeOSType("item");
+// The menu the chosen item belongs to, when it is a submenu of the control's menu.
+inline constexpr OSType kEventParamMenuRef = MakeOSType("mnrf");
 
 // Parameter types.
 inline constexpr OSType typeControlRef = MakeOSType("ctrl");

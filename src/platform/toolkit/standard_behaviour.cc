@@ -85,11 +85,13 @@ OSStatus SendHitCommand(Control& control, Event& event) {
   command.commandID = control.command();
   command.control = &control;
   auto item = ChosenItem(event);
-  const MenuItem* chosen = item && control.menu() ? control.menu()->item(*item) : nullptr;
+  // A submenu's item names its own menu; a top item the control's.
+  Menu* menu = event.get<Menu*>(kEventParamMenuRef, typeMenuRef).value_or(control.menu());
+  const MenuItem* chosen = item && menu ? menu->item(*item) : nullptr;
   if (chosen && chosen->command) {
     command.attributes = kHICommandFromMenu;
     command.commandID = chosen->command;
-    command.menu = control.menu();
+    command.menu = menu;
     command.menuItemIndex = *item;
   }
   if (!command.commandID) return eventNotHandledErr;
