@@ -7,6 +7,8 @@
 #include "host/dialog_host.h"
 #include "panels/image_options/advanced_panel.h"
 #include "panels/image_options/image_options_panel.h"
+#include "panels/paper_output/paper_output_panel.h"
+#include "paper_dialogs.h"
 #include "platform/plist/text.h"
 #include "platform/status_text.h"
 #include "platform/toolkit/automation.h"
@@ -17,21 +19,46 @@ namespace {
 
 using toolkit::Control;
 
-constexpr std::array<SettingOption, 7> kSettingOptions{{
+using panels::kPaperOutputSignature;
+
+constexpr NamedChoice kJobTypes[] = {{"normal", 1}, {"secure", 6},  {"sample", 8},
+                                     {"delayed", 7}, {"mailbox", 3}, {"fax", 5}};
+constexpr NamedChoice kTwoSided[] = {{"one", 1}, {"long", 2}, {"short", 3}};
+
+const std::array<SettingOption, 16> kSettingOptions{{
     {"image-quality", "Image quality", {panels::kImageOptionsSignature, panels::kImageQualityPopupID},
      "VNOutputMode"},
     {"toner-saver", "Toner saver", {panels::kImageOptionsSignature, panels::kTonerSaverCheckBoxID},
-     nullptr},
+     nullptr, SettingKind::CheckBox},
     {"negative-image", "Negative image",
-     {panels::kImageOptionsSignature, panels::kNegativeCheckBoxID}, nullptr},
+     {panels::kImageOptionsSignature, panels::kNegativeCheckBoxID}, nullptr, SettingKind::CheckBox},
     {"mirror-image", "Mirror image", {panels::kImageOptionsSignature, panels::kMirrorCheckBoxID},
-     nullptr},
+     nullptr, SettingKind::CheckBox},
     {"banner-sheet", "Banner sheet", {panels::kAdvancedSignature, panels::kBannerSheetPopupID},
      "JCLBanner"},
     {"request-offset", "Request offset",
      {panels::kAdvancedSignature, panels::kRequestOffsetPopupID}, "Jog"},
     {"feed-edge", "Bypass tray feed edge", {panels::kAdvancedSignature, panels::kFeedEdgePopupID},
      "VNFeedEdge"},
+    {"job-type", "Job type", {kPaperOutputSignature, panels::kJobTypePopupID}, nullptr,
+     SettingKind::NamedPopup, kJobTypes},
+    {"paper-size", "Paper size", {kPaperOutputSignature, panels::kStockMenuButtonID}, "PageSize",
+     SettingKind::StockSubmenu, {}, ui::kStockSizeCommand},
+    {"paper-color", "Paper color", {kPaperOutputSignature, panels::kStockMenuButtonID}, "MediaColor",
+     SettingKind::StockSubmenu, {}, ui::kStockColorCommand},
+    {"paper-type", "Paper type", {kPaperOutputSignature, panels::kStockMenuButtonID}, "MediaType",
+     SettingKind::StockSubmenu, {}, ui::kStockTypeCommand},
+    {"custom-size", "Custom paper size", {kPaperOutputSignature, panels::kStockMenuButtonID},
+     nullptr, SettingKind::Dialog, {}, ui::kStockSizeCommand},
+    {"two-sided", "2-sided printing", {kPaperOutputSignature, panels::kTwoSidedPopupID}, nullptr,
+     SettingKind::NamedPopup, kTwoSided, 0,
+     "this printer has no 2-sided printing (its PPD has no \"Duplex\" option)"},
+    {"output-bin", "Output destination", {kPaperOutputSignature, panels::kOutputDestinationPopupID},
+     "OutputBin"},
+    {"separators", "Transparency separators", {kPaperOutputSignature, panels::kStockMenuButtonID},
+     nullptr, SettingKind::Dialog, {}, panels::kSeparatorsCommand},
+    {"covers", "Covers", {kPaperOutputSignature, panels::kStockMenuButtonID}, nullptr,
+     SettingKind::Dialog, {}, panels::kCoversCommand},
 }};
 
 const std::array<SettingChoice, 2> kCheckBoxChoices{{{"on", "on"}, {"off", "off"}}};
@@ -63,33 +90,65 @@ Control* DialogSettings::find(const SettingOption& option, std::string* error) c
   return control;
 }
 
-std::optional<SettingState> DialogSettings::state(const SettingOption& option,
-                                                  std::string* error) const {
-  Control* control = find(option, error);
-  if (!control) return std::nullopt;
+std::optional<SettingState> DialogSettings::menuState(const SettingOption& option,
+                                                      const toolkit::Menu& menu,
+                                                      std::int32_t chosenItem) const {
   SettingState state;
-  if (!option.ppdKeyword) {
-    state.choices.assign(kCheckBoxChoices.begin(), kCheckBoxChoices.end());
-    state.current = control->value() != 0 ? 0 : 1;
-    return state;
-  }
-  const toolkit::Menu* menu = control->menu();
-  if (!menu) {
-    if (error) *error = std::string("the control for --") + option.name + " has no menu";
-    return std::nullopt;
-  }
-  const std::vector<PPDChoice>* ppdChoices = ppd_.choicesOf(option.ppdKeyword);
-  for (toolkit::MenuItemIndex i = 1; i <= menu->count(); ++i) {
-    const std::string& text = menu->item(i)->text;
+  const std::vector<PPDChoice>* ppdChoices =
+      option.ppdKeyword ? ppd_.choicesOf(option.ppdKeyword) : nullptr;
+  for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i) {
+    const std::string& text = menu.item(i)->text;
     // The menu shows the PPD's texts; its keyword is what tickets and scripts use.
     std::string keyword = text;
     if (ppdChoices)
       for (const PPDChoice& choice : *ppdChoices)
         if (choice.text == text) keyword = choice.keyword;
     state.choices.push_back({std::move(keyword), text});
-    if (control->value() == static_cast<std::int32_t>(i)) state.current = state.choices.size() - 1;
+    if (chosenItem == static_cast<std::int32_t>(i)) state.current = state.choices.size() - 1;
   }
   return state;
+}
+
+std::optional<SettingState> DialogSettings::state(const SettingOption& option,
+                                                  std::string* error) const {
+  Control* control = find(option, error);
+  if (!control) return std::nullopt;
+  SettingState state;
+  if (option.kind == SettingKind::CheckBox) {
+    state.choices.assign(kCheckBoxChoices.begin(), kCheckBoxChoices.end());
+    state.current = control->value() != 0 ? 0 : 1;
+    return state;
+  }
+  if (option.kind == SettingKind::Dialog) {
+    state.choices.push_back({PaperDialogSyntax(option), PaperDialogSyntax(option)});
+    return state;
+  }
+  const toolkit::Menu* menu = control->menu();
+  if (!menu || (option.kind == SettingKind::NamedPopup && !control->isEnabled())) {
+    if (error)
+      *error = "--" + std::string(option.name) + ": " +
+               (option.unavailable ? option.unavailable : "its control has no menu");
+    return std::nullopt;
+  }
+  if (option.kind == SettingKind::NamedPopup) {
+    for (const NamedChoice& word : option.words) {
+      const toolkit::MenuItemIndex item = menu->findRefCon(static_cast<toolkit::URefCon>(word.value));
+      if (!item) continue;
+      state.choices.push_back({word.word, menu->item(item)->text});
+      if (control->value() == item) state.current = state.choices.size() - 1;
+    }
+    return state;
+  }
+  if (option.kind == SettingKind::StockSubmenu) {
+    const toolkit::MenuItemIndex item = ItemWithCommand(*menu, option.command);
+    const toolkit::Menu* submenu = item ? menu->item(item)->submenu.get() : nullptr;
+    if (!submenu) {
+      if (error) *error = std::string("the paper menu has no submenu for --") + option.name;
+      return std::nullopt;
+    }
+    return menuState(option, *submenu, 0);
+  }
+  return menuState(option, *menu, control->value());
 }
 
 bool DialogSettings::showPanelOf(Control& control, std::string* error) {
@@ -110,6 +169,10 @@ ApplyResult DialogSettings::apply(const SettingOption& option, std::string_view 
                                   std::string* error) {
   std::optional<SettingState> offered = state(option, error);
   if (!offered) return ApplyResult::Failed;
+  Control* control = find(option, error);
+  if (!showPanelOf(*control, error)) return ApplyResult::Failed;
+  if (option.kind == SettingKind::Dialog) return ApplyPaperDialog(window_, *control, option, value, error);
+
   std::optional<std::size_t> chosen;
   for (std::size_t i = 0; i < offered->choices.size() && !chosen; ++i) {
     const SettingChoice& choice = offered->choices[i];
@@ -123,14 +186,27 @@ ApplyResult DialogSettings::apply(const SettingOption& option, std::string_view 
                "\"; the choices are: " + ChoiceList(*offered);
     return ApplyResult::UnknownChoice;
   }
-  Control* control = find(option, error);
-  if (!showPanelOf(*control, error)) return ApplyResult::Failed;
 
   OSStatus status = noErr;
-  if (option.ppdKeyword)
-    status = toolkit::ChooseMenuItem(*control, static_cast<toolkit::MenuItemIndex>(*chosen + 1));
-  else if (offered->current != chosen)
-    status = toolkit::Click(*control);  // a check box toggles
+  switch (option.kind) {
+    case SettingKind::PPDPopup:
+      status = toolkit::ChooseMenuItem(*control, static_cast<toolkit::MenuItemIndex>(*chosen + 1));
+      break;
+    case SettingKind::CheckBox:
+      if (offered->current != chosen) status = toolkit::Click(*control);  // a check box toggles
+      break;
+    case SettingKind::NamedPopup:
+      for (const NamedChoice& word : option.words)
+        if (plist::EqualCaseInsensitive(offered->choices[*chosen].keyword, word.word))
+          status = toolkit::ChooseMenuItemByRefCon(*control, static_cast<toolkit::URefCon>(word.value));
+      break;
+    case SettingKind::StockSubmenu:
+      status = toolkit::ChooseSubmenuItem(*control, ItemWithCommand(*control->menu(), option.command),
+                                          static_cast<toolkit::MenuItemIndex>(*chosen + 1));
+      break;
+    case SettingKind::Dialog:
+      break;
+  }
   if (status != noErr) {
     if (error)
       *error = "--" + std::string(option.name) + ": the dialog refused the choice: " +
@@ -150,9 +226,13 @@ std::string DialogSettings::list() const {
       out << "    not offered: " << error << "\n";
       continue;
     }
-    out << "    current: "
-        << (state->current ? state->choices[*state->current].keyword : std::string("(none)"))
-        << "\n    choices: " << ChoiceList(*state) << "\n";
+    if (option.kind == SettingKind::StockSubmenu || option.kind == SettingKind::Dialog)
+      out << "    current: shown by --summary\n";
+    else
+      out << "    current: "
+          << (state->current ? state->choices[*state->current].keyword : std::string("(none)")) << "\n";
+    out << "    " << (option.kind == SettingKind::Dialog ? "value: " : "choices: ") << ChoiceList(*state)
+        << "\n";
   }
   return out.str();
 }

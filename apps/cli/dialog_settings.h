@@ -4,6 +4,7 @@
 // holds the control. Choices are named by PPD choice keyword or shown text, in any case.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -19,11 +20,30 @@ namespace varno::cli {
 using hosts::PPDChoice;
 using hosts::PPDDefaults;
 
+// How an option reaches its control.
+enum class SettingKind {
+  PPDPopup,      // a pop-up showing a PPD option's choices
+  CheckBox,      // on|off
+  NamedPopup,    // a pop-up whose items are named by `words` (item reference values)
+  StockSubmenu,  // a submenu of the paper menu button, whose item `command` holds it
+  Dialog,        // a menu item (`command`) whose dialog paper_dialogs.h fills in
+};
+
+// A word the command line takes for the item whose reference value is `value`.
+struct NamedChoice {
+  const char* word;
+  std::int32_t value;
+};
+
 struct SettingOption {
   const char* name;        // the command-line option without its leading "--"
   const char* label;       // for --list and messages
   toolkit::ControlID control;
-  const char* ppdKeyword;  // pop-ups: the PPD option whose choices the menu shows; null for check boxes
+  const char* ppdKeyword;  // the PPD option whose choices the menu shows, if any
+  SettingKind kind = SettingKind::PPDPopup;
+  std::span<const NamedChoice> words = {};
+  toolkit::MenuCommand command = 0;
+  const char* unavailable = nullptr;  // why a printer may not offer it, for messages
 };
 
 // Every setting option, in the order --list shows them.
@@ -58,6 +78,8 @@ class DialogSettings {
 
  private:
   toolkit::Control* find(const SettingOption& option, std::string* error) const;
+  std::optional<SettingState> menuState(const SettingOption& option, const toolkit::Menu& menu,
+                                        std::int32_t chosenItem) const;
   bool showPanelOf(toolkit::Control& control, std::string* error);
 
   toolkit::Window& window_;

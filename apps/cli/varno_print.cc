@@ -6,6 +6,7 @@
 // CUPS queue, or keeps it as the queue's defaults.
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -18,6 +19,7 @@
 #include "command_line.h"
 #include "common/job_setup.h"
 #include "dialog_settings.h"
+#include "panels/paper_output/paper_output_panel.h"
 #include "platform/plist/file.h"
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
@@ -25,6 +27,8 @@
 #include "platform/print/framework_keys.h"
 #include "platform/print/job_options.h"
 #include "platform/print/session.h"
+#include "platform/toolkit/alerts.h"
+#include "platform/toolkit/automation.h"
 #include "platform/toolkit/window.h"
 #include "vocabulary/plugin_bundle.h"
 
@@ -152,10 +156,24 @@ bool StartsFromDefaults(const Options& options) {
          !options.ticket && !options.session && !options.saveDefaults;
 }
 
-std::string SummaryText(print::FrameworkDriver& driver) {
+// The paper summary as the Paper/Output panel shows it: its label, then one line a part.
+std::string PaperSummaryText(toolkit::Window& window) {
+  const toolkit::Control* label = window.findByID({panels::kPaperOutputSignature, panels::kPaperSummaryLabelID});
+  const toolkit::Control* view = window.findByID({panels::kPaperOutputSignature, panels::kStockSummaryViewID});
+  if (!label || !view) return {};
+  std::string text = label->text() + "\n";
+  for (std::size_t start = 0; start <= view->text().size();) {
+    const std::size_t end = std::min(view->text().find('\n', start), view->text().size());
+    text += "  " + view->text().substr(start, end - start) + "\n";
+    start = end + 1;
+  }
+  return text;
+}
+
+std::string SummaryText(print::FrameworkDriver& driver, toolkit::Window& window) {
   plist::Array titles, values;
   if (driver.getSummaryText(titles, values) != noErr) return {};
-  std::string text;
+  std::string text = PaperSummaryText(window);
   for (std::size_t i = 0; i < titles.size(); ++i) {
     const std::string* title = titles[i].asString();
     const std::string* value = i < values.size() ? values[i].asString() : nullptr;
@@ -183,6 +201,14 @@ int RunDialog(const Options& options, const hosts::PPDDefaults& ppd, print::Sess
   window->setVisible(true);
   toolkit::Control* pane =
       window->embed(toolkit::Control::create(toolkit::ControlKind::UserPane, {0, 0, 500, 600}));
+  // Reached only when the plug-in lets OK go on: it is installed before the plug-in's
+  // handlers, which therefore hear the command first.
+  bool okAccepted = false;
+  window->installHandler({{toolkit::kEventClassCommand, toolkit::kEventCommandProcess}}, [&okAccepted](toolkit::EventHandlerCallRef, toolkit::Event& event) {
+    std::optional<toolkit::HICommand> command = event.command();
+    if (command && command->commandID == toolkit::kHICommandOK) okAccepted = true;
+    return eventNotHandledErr;
+  });
   print::FrameworkDriver driver;
   if (driver.loadByIdentifier(vocabulary::kPlugInBundleIdentifier) != noErr) return Fail(driver.error());
   print::PMPDEVersion version{};
@@ -203,12 +229,24 @@ int RunDialog(const Options& options, const hosts::PPDDefaults& ppd, print::Sess
       case cli::ApplyResult::Failed: return Fail(error);
     }
   }
+  // A job that is printed or written out is confirmed with OK, as the Print button does;
+  // looking at the settings (--list, --summary) is not.
+  if (!options.list && !options.summary) {
+    const std::size_t notices = toolkit::HeadlessAlerts().notices().size();
+    toolkit::SendCommand(*window, toolkit::kHICommandOK);
+    if (!okAccepted) {
+      const auto& shown = toolkit::HeadlessAlerts().notices();
+      if (shown.size() > notices) return Fail(shown.back().header + ": " + shown.back().message);
+      return Fail("the dialog did not accept the job: a LAN fax job needs at least one recipient; "
+                  "add them in the LAN fax set-up of varno-print-dialog");
+    }
+  }
   if (driver.sync(false) != noErr) return Fail("writing the ticket failed: " + driver.error());
   WarnAboutKeptTonerSaver(options, session.printSettings());
 
   if (options.list) std::cout << settings.list();
   if (options.summary) {
-    const std::string summary = SummaryText(driver);
+    const std::string summary = SummaryText(driver, *window);
     if (summary.empty())
       return Fail("no panel of this plug-in gives a summary of its settings yet; use --list to "
                   "see every setting and its value");

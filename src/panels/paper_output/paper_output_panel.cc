@@ -285,7 +285,8 @@ OSStatus PaperOutputOpen(print::PMPDEContext context) {
     vocabulary::PopulatePopupButtonFromMap(bundle, panel->jobTypePopup, vocabulary::JobTypeMap, false, 0);
   }
   if (panel->twoSidedPopup) {
-    vocabulary::PPDPopulatePopupWithChoices(panel->twoSidedPopup, ppd, "Duplex", false);
+    if (panel->duplexCapable)
+      vocabulary::PPDPopulatePopupWithChoices(panel->twoSidedPopup, ppd, "Duplex", false);
     panel->twoSidedPopup->setEnabled(panel->duplexCapable);
   }
   if (panel->outputDestinationPopup)
