@@ -202,10 +202,15 @@ TEST_F(CupsPrint, JobCarriesTheWholeTicketAndItsChoices) {
   EXPECT_EQ(run.err, "") << "quiet without -v, as lp is";
   const print::Ticket ticket = LoadTicket(saved);
 
-  // The dialog kept what it was given and made the choices asked for.
+  // The dialog kept what it was given and made the choices asked for; the Paper/Output
+  // panel fills in the rest of the job-type item around the given type and passcode.
   const Entries kept = EntriesOf(ticket);
   for (const auto& [key, value] : EntriesOf(input))
-    EXPECT_TRUE(kept.contains(key) && kept.at(key) == value) << key << " changed in the dialog";
+    if (key != "com.varno.print.JobType")
+      EXPECT_TRUE(kept.contains(key) && kept.at(key) == value) << key << " changed in the dialog";
+  const plist::Dictionary jobType = ticket.dictionary("com.varno.print.JobType").value_or(plist::Dictionary{});
+  EXPECT_EQ(jobType.getNumber<int>("JobType"), 6);
+  EXPECT_EQ(jobType.getString("SecurePrintPassword"), "000123");
   EXPECT_EQ(ticket.ppdDictionary().getString("VNOutputMode"), "HighQuality");
   ASSERT_TRUE(ticket.dictionary("com.varno.print.InvertImageOptions"));
   EXPECT_EQ(ticket.dictionary("com.varno.print.InvertImageOptions")->getNumber<int>("MirrorImage"), 1);

@@ -311,9 +311,14 @@ class PrintDialogTest : public QObject {
     open({.ppd = VARNO_SAMPLE_PPD});
     const QString file = folder_.path() + "/random.plist";
     dialog_->setFileChooser([file](qt::FileQuestion) { return QStringList{file}; });
-    // Modal dialogs opened on the way are closed with their close box.
+    // Modal dialogs opened on the way are closed with their close box, menus that popped
+    // up by pressing escape.
     QTimer dismiss;
     connect(&dismiss, &QTimer::timeout, this, [this] {
+      if (QWidget* popup = QApplication::activePopupWidget()) {
+        QTest::keyClick(popup, Qt::Key_Escape);
+        return;
+      }
       QWidget* modal = QApplication::activeModalWidget();
       if (modal && modal != dialog_.get()) modal->close();
     });

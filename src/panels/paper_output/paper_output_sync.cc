@@ -288,7 +288,7 @@ OSStatus SyncPaperOutputFromTicket(PaperOutputContext* panel, const print::Ticke
   if (!duplex) duplex = ticket.number<std::int32_t>(kDuplexingKey);
   if (!duplex) {
     std::int32_t value = 1;
-    PPDGetTicketValueForChoiceOrDefault(PPDGetCurrent(), nullptr, "Duplex", &value);
+    PPDGetTicketValueForChoiceOrDefault(PPDGetCurrent(), &ticket, "Duplex", &value);
     duplex = value;
   }
   panel->duplex = panel->duplexPopupValue = *duplex;
