@@ -6,6 +6,7 @@
 
 #include "platform/toolkit/control.h"
 #include "platform/toolkit/event.h"
+#include "ui/advanced_stock_dialog.h"
 #include "ui/custom_stock_size_dialog.h"
 #include "vocabulary/installable_options.h"
 #include "vocabulary/ppd_access.h"
@@ -178,10 +179,12 @@ OSStatus StockMenuCommandEventHandler(toolkit::EventHandlerCallRef, toolkit::Eve
     case kDefaultStockCommand:
       DefaultStock(stock, data->jobContext);
       break;
-    case kAdvancedStockCommand:
-      // The advanced stock selection dialog comes with the Paper/Output panel; until then
-      // this command changes nothing. When it is confirmed, the name is cleared.
-      return eventNotHandledErr;
+    case kAdvancedStockCommand: {
+      bool confirmed = false;
+      RunModalAdvancedStockDialog(data->bundle, stock, data->reserved, &confirmed);
+      if (confirmed) ClearName(stock);
+      break;
+    }
     default:
       return eventNotHandledErr;
   }

@@ -31,6 +31,35 @@ const InstalledFeatureMap InstalledFeatures[] = {
     {"SBBookletMaker", "VNFinisher", "SBClassBooklet", nullptr, 0},
     // Inserts can come from a post-print inserter: its stock source is 10.
     {"PostPrintInserterKey", "VNPostPrintInserter", "True", "Post-Print Inserter", 10},
+    // Finisher configurations, which decide the output destinations. The single modules
+    // are what "VNFinisher" installs; combinations of several modules, the finisher
+    // transports and the inserter in front of them are separate installable options.
+    {"BasicFinisherModule", "VNFinisher", "AClass", nullptr, 0},
+    {"MultifunctionFinisher", "VNFinisher", "SBClass", nullptr, 0},
+    {"MultifunctionProPlusFinisher", "VNFinisher", "SBClassBooklet", nullptr, 0},
+    {"FinisherTransportModule", "VNFinishingModules", "FTM", nullptr, 0},
+    {"FinisherTransportWithStacker", "VNFinishingModules", "FTMStacker", nullptr, 0},
+    {"BFMPlusBFMKey", "VNFinishingModules", "BFMBFM", nullptr, 0},
+    {"BFMFTMKey", "VNFinishingModules", "BFMFTM", nullptr, 0},
+    {"BFMBFMFTMKey", "VNFinishingModules", "BFMBFMFTM", nullptr, 0},
+    {"BFMFTMStackerKey", "VNFinishingModules", "BFMFTMStacker", nullptr, 0},
+    {"FTMSFTMSKey", "VNFinishingModules", "FTMSFTMS", nullptr, 0},
+    {"BFMFTMSFTMSKey", "VNFinishingModules", "BFMFTMSFTMS", nullptr, 0},
+    {"BFMBFMFTMSKey", "VNFinishingModules", "BFMBFMFTMS", nullptr, 0},
+    // An inserter ahead of the finishers takes the first module letter.
+    {"OrbisInserter", "VNInserter", "True", nullptr, 0},
+    {"AutoSwitchTrayKey", "VNAutoSwitchTray", "True", "Auto-Switch Tray", 11},
+    // The trays of finisher modules A to D, by their position along the paper path. A
+    // tray's output bin code and label are the same whichever configuration has it, so
+    // these rows need no option; the configuration decides whether a tray is offered.
+    {"FinisherATopTrayKey", nullptr, nullptr, "Finisher Top Tray", 18},
+    {"FinisherAMainStacker", nullptr, nullptr, "Finisher Stacker", 4},
+    {"FinisherBTopTrayKey", nullptr, nullptr, "Finisher B Top Tray", 16},
+    {"FinisherBMainStacker", nullptr, nullptr, "Finisher B Stacker", 17},
+    {"FinisherCTopTrayKey", nullptr, nullptr, "Finisher C Top Tray", 26},
+    {"FinisherCMainStacker", nullptr, nullptr, "Finisher C Stacker", 27},
+    {"FinisherDTopTrayKey", nullptr, nullptr, "Finisher D Top Tray", 24},
+    {"FinisherDMainStacker", nullptr, nullptr, "Finisher D Stacker", 25},
     {nullptr, nullptr, nullptr, nullptr, 0},
 };
 
