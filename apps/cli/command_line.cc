@@ -52,7 +52,7 @@ const char* const kUsage =
     "  --two-sided one|long|short                     --output-bin CHOICE\n"
     "  --separators none|blank|printed[:SOURCE]       (between transparencies)\n"
     "  --covers none|front|back|both[:SIZE,COLOR,TYPE][:SIDES]\n"
-    "                          (SIDES: blank, front, back or both; printed: front)\n"
+    "                          (SIDES: blank, front, back or both printed)\n"
     "  --image-quality CHOICE  --toner-saver on|off  --negative-image on|off\n"
     "  --mirror-image on|off   --banner-sheet CHOICE --request-offset CHOICE\n"
     "  --feed-edge CHOICE\n"

@@ -171,7 +171,7 @@ ApplyResult DialogSettings::apply(const SettingOption& option, std::string_view 
   if (!offered) return ApplyResult::Failed;
   Control* control = find(option, error);
   if (!showPanelOf(*control, error)) return ApplyResult::Failed;
-  if (option.kind == SettingKind::Dialog) return ApplyPaperDialog(window_, *control, option, value, error);
+  if (option.kind == SettingKind::Dialog) return ApplyPaperDialog(*control, option, ppd_, value, error);
 
   std::optional<std::size_t> chosen;
   for (std::size_t i = 0; i < offered->choices.size() && !chosen; ++i) {

@@ -17,8 +17,8 @@ std::string PaperDialogSyntax(const SettingOption& option);
 // Opens the option's dialog from `menuButton` and fills it in with `value`. UnknownChoice
 // for a value that does not parse or names nothing the printer has; Failed, with the
 // dialog's own words, when the dialog refuses it.
-ApplyResult ApplyPaperDialog(toolkit::Window& window, toolkit::Control& menuButton,
-                             const SettingOption& option, std::string_view value, std::string* error);
+ApplyResult ApplyPaperDialog(toolkit::Control& menuButton, const SettingOption& option,
+                             const PPDDefaults& ppd, std::string_view value, std::string* error);
 // The item of `menu` whose command is `command`, or 0.
 toolkit::MenuItemIndex ItemWithCommand(const toolkit::Menu& menu, toolkit::MenuCommand command);
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -167,7 +168,14 @@ TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
                {"-o Nonexistent=1", 2, "no option \"Nonexistent\"; its options are: Duplex,"},
                {"-o Duplex=Sideways", 2, "the choices are: None, DuplexNoTumble, DuplexTumble"},
                {"--ppd '" VARNO_TEST_DATA_DIR "/ppd/Other-Maker.ppd'", 1, "is not a Varno PPD"},
-               {"--summary", 1, "no panel of this plug-in gives a summary"},
+               {"--job-type hold", 2, "--job-type: no choice \"hold\"; the choices are: normal"},
+               {"--custom-size 21x", 2, "\"21x\" is not a size; give WIDTHxLENGTH[pt|mm|in]"},
+               {"--custom-size 100x800", 1, "widths from 216 to 907 points"},
+               {"--separators none:Tray2", 2, "no separators come from no tray"},
+               {"--separators printed:Tray9", 2, "no choice \"Tray9\"; the choices are: Auto"},
+               {"--covers front:A9", 2, "no choice \"A9\"; the choices are: Letter"},
+               {"--covers both::sideways", 2, "no printed sides \"sideways\""},
+               {"--job-type secure", 1, "Invalid Secure Print Passcode: A secure print job needs"},
                {"--ppd '" + (dir / "none.ppd").string() + "'", 1, "none.ppd"},
                {"--ppd '" + junk + "'", 1, "junk.ppd"},
                {"--session '" + damaged + "'", 1, "damaged.session"},
@@ -178,6 +186,74 @@ TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
     EXPECT_NE(run.all.find(c.named), std::string::npos) << run.all;
     EXPECT_TRUE(run.out.empty()) << "no ticket is printed after an error";
   }
+}
+
+// The Paper/Output panel's options, each made in the dialog as a person makes it.
+TEST(VarnoPrint, PaperOptionsAreMadeInThePaperOutputPanel) {
+  TempDir dir;
+  const std::string saved = (dir / "paper.plist").string();
+  ProgramRun run = VarnoPrint("--paper-type Transparency --separators printed:Tray2 --summary "
+                              "--save-ticket '" + saved + "'", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  EXPECT_EQ(run.out, "Paper:\n  - Clear\n  - Transparency\n  - Separators: Tray 2\n");
+  std::string error;
+  std::optional<print::Ticket> ticket = print::Ticket::load(saved, &error);
+  ASSERT_TRUE(ticket) << error;
+  const plist::Dictionary stock = ticket->dictionary("com.varno.print.JobLevelStock").value_or(plist::Dictionary{});
+  EXPECT_EQ(stock.getNumber<int>("Type"), 2);
+  EXPECT_EQ(stock.getNumber<int>("Color"), 6);
+  EXPECT_EQ(ticket->ppdDictionary().getString("VNSlipSheetPrint"), "Printed");
+  EXPECT_EQ(ticket->ppdDictionary().getString("VNSlipSheetSource"), "Tray2");
+
+  // A job type only a ticket carries goes through the dialog unchanged.
+  for (int jobType : {4, 9}) {
+    print::Ticket in;
+    in.setValue("com.varno.print.JobType", plist::Dictionary{{"JobType", jobType}}, "test");
+    const std::string path = (dir / "in.plist").string();
+    ASSERT_TRUE(in.save(path, &error)) << error;
+    run = VarnoPrint("--ticket '" + path + "'", dir);
+    ASSERT_EQ(run.status, 0) << run.all;
+    EXPECT_EQ(PrintedTicket(run)->dictionary("com.varno.print.JobType")->getNumber<int>("JobType"), jobType);
+  }
+
+  // 2-sided printing: the framework's and the maker's keys carry the PPD choice's value,
+  // the same as a ticket naming that choice reads back as.
+  run = VarnoPrint("--two-sided long", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  ticket = PrintedTicket(run);
+  ASSERT_TRUE(ticket);
+  EXPECT_EQ(ticket->ppdDictionary().getString("Duplex"), "DuplexNoTumble");
+  const std::optional<int> framework = ticket->number<int>("com.apple.print.PrintSettings.PMDuplexing");
+  EXPECT_EQ(ticket->number<int>("com.varno.print.FinishingDuplex"), framework);
+  ProgramRun viaPPD = VarnoPrint("-o Duplex=DuplexNoTumble", dir);
+  EXPECT_EQ(PrintedTicket(viaPPD)->number<int>("com.varno.print.FinishingDuplex"), framework);
+  EXPECT_NE(framework, PrintedTicket(VarnoPrint("", dir))->number<int>("com.varno.print.FinishingDuplex"));
+
+  std::string ppd = testing::ReadAll(VARNO_SAMPLE_PPD), simplex;
+  for (std::size_t start = 0, end; start < ppd.size(); start = end + 1) {
+    end = std::min(ppd.find('\n', start), ppd.size());
+    const std::string line = ppd.substr(start, end - start);
+    if (line.find("Duplex") == std::string::npos) simplex += line + "\n";
+  }
+  const std::string simplexPPD = dir.write("simplex.ppd", simplex).string();
+  run = VarnoPrint("--ppd '" + simplexPPD + "' --two-sided long", dir);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.all.find("--two-sided: this printer has no 2-sided printing"), std::string::npos) << run.all;
+
+  run = VarnoPrint("--covers both:A4,Blue,:front --custom-size 210x297mm --save-ticket '" + saved + "'", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  ticket = print::Ticket::load(saved, &error);
+  ASSERT_TRUE(ticket) << error;
+  for (const char* key : {"com.varno.print.SpecialPages.FrontCover", "com.varno.print.SpecialPages.BackCover"}) {
+    const plist::Dictionary cover = ticket->dictionary(key).value_or(plist::Dictionary{});
+    EXPECT_EQ(cover.getNumber<int>("SidesImaged"), 2) << key;
+    const plist::Dictionary coverStock = cover.getDictionary("Stock").value_or(plist::Dictionary{});
+    EXPECT_EQ(coverStock.getNumber<int>("Color"), 2) << key;  // Blue
+  }
+  EXPECT_EQ(ticket->ppdDictionary().getString("VNFrontCoverSheet"), "Auto");
+  const plist::Dictionary custom = ticket->dictionary("com.varno.print.JobLevelStock").value_or(plist::Dictionary{});
+  EXPECT_EQ(custom.getNumber<int>("Width"), 595);
+  EXPECT_EQ(custom.getNumber<int>("Length"), 842);
 }
 
 }  // namespace

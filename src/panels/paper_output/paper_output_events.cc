@@ -3,6 +3,7 @@
 // the pictures that follow the choices.
 #include "fax/lan_fax_setup.h"
 #include "panels/paper_output/paper_output_panel.h"
+#include "panels/paper_output/separators_dialog.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/event.h"
 #include "ui/panel_ui.h"
@@ -81,9 +82,17 @@ void ControlHit(PaperOutputContext* panel, Control& control) {
 
 void MenuCommand(PaperOutputContext* panel, toolkit::MenuCommand command) {
   if (command == kCoversCommand) {
-    // MERGE covers dialog
+    if (!panel->coversUndo) panel->coversUndo = std::make_unique<ui::CoversUndoState>();
+    const bool anyCover = panel->frontCover || panel->backCover;
+    std::int16_t itemHit = 0;
+    ui::RunModalCoversDialog(panel->bundle, anyCover ? ui::kCoversDialogEdit : ui::kCoversDialogAdd,
+                             panel->jobLevelStock.get(), &panel->frontCover, &panel->backCover,
+                             &itemHit, panel->coversUndo.get());
   } else if (command == kSeparatorsCommand) {
-    // MERGE separators dialog
+    std::int16_t result = 0;
+    RunModalSeparatorsDialog(panel->bundle, &panel->separatorOption, panel->separatorStock.get(),
+                             &result);
+    if (result == 1) ShowPaperSummary(panel);
   } else if (command == ui::kStockTypeCommand) {
     // The stock menus have shown the stock; a transparency adds its separators.
     ShowPaperSummary(panel);

@@ -6,6 +6,7 @@
 #include <ctime>
 #include <new>
 
+#include "panels/paper_output/output_destination.h"
 #include "platform/print/framework_keys.h"
 #include "platform/print/ppd_calls.h"
 #include "platform/print/session.h"
@@ -289,7 +290,10 @@ OSStatus PaperOutputOpen(print::PMPDEContext context) {
       vocabulary::PPDPopulatePopupWithChoices(panel->twoSidedPopup, ppd, "Duplex", false);
     panel->twoSidedPopup->setEnabled(panel->duplexCapable);
   }
-  if (panel->outputDestinationPopup)
+  // The finisher's trays when the printer says which finisher it has; else the PPD's bins.
+  if (AnyFinisherConfigurationInstalled())
+    PopulateOutputDestination(panel->outputDestinationPopup, bundle);
+  else if (panel->outputDestinationPopup)
     vocabulary::PPDPopulatePopupWithChoices(panel->outputDestinationPopup, ppd, "OutputBin", false);
   if (!panel->stockMenuBuilt) BuildStockMenu(panel);
   PopulateFeaturePopup(bundle, panel->staplePopup, "No Staple Value", kStaplers);

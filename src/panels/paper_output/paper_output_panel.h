@@ -18,6 +18,7 @@
 #include "platform/plist/value.h"
 #include "platform/toolkit/control.h"
 #include "platform/toolkit/event_target.h"
+#include "ui/covers_dialog.h"
 #include "ui/stock_menus.h"
 
 namespace varno::panels {
@@ -167,9 +168,10 @@ struct PaperOutputContext {
   std::int32_t finishingValues[2] = {64, 68};
   double finishingReals[2] = {0.0, 0.0};
 
-  // Covers: the slots the ticket holds.
+  // Covers: the slots the ticket holds, and what the covers dialog can revert to.
   std::unique_ptr<model::Cover> frontCover;
   std::unique_ptr<model::Cover> backCover;
+  std::unique_ptr<ui::CoversUndoState> coversUndo;
 
   // What the host's OK check reads.
   host::FirstPanelJob okCheck;

@@ -274,6 +274,8 @@ OSStatus SyncPaperOutputFromTicket(PaperOutputContext* panel, const print::Ticke
   else
     panel->recipients.reset();
 
+  // What the covers dialog could go back to belongs to the covers just replaced.
+  if (panel->coversUndo) panel->coversUndo->clear();
   const std::optional<bool> booklet = ticket.boolean(model::kBookletLayoutKey);
   panel->bookletLayout = booklet.value_or(false) ? kBookletOn : kBookletOff;
   if (panel->bookletLayout == kBookletOn) {
