@@ -7,9 +7,13 @@
 #include <QComboBox>
 #include <QDir>
 #include <QLineEdit>
+#include <QMenu>
 #include <QProcess>
 #include <QPushButton>
 #include <QTimer>
+#include <QToolButton>
+#include <deque>
+#include <memory>
 #include <QtTest>
 #include <fstream>
 #include <functional>
@@ -20,6 +24,7 @@
 #include "host/dialog_host.h"
 #include "panels/image_options/advanced_panel.h"
 #include "panels/image_options/image_options_panel.h"
+#include "panels/paper_output/paper_output_panel.h"
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
 #include "platform/print/framework_keys.h"
@@ -93,14 +98,83 @@ void CompareTickets(const print::Ticket& dialog, const print::Ticket& command) {
 }
 
 // Runs varno-print with the same choices; its ticket.
-print::Ticket VarnoPrintTicket(const QString& folder, const QStringList& extra = {"-n", "1"}) {
+print::Ticket VarnoPrintTicket(const QString& folder, const QStringList& extra = {"-n", "1"},
+                               const QStringList& choices = kCommandLineChoices) {
   QProcess process;
   const QString out = folder + "/varno-print.plist";
   process.start(kVarnoPrint, QStringList{"--ppd", VARNO_SAMPLE_PPD, "--save-ticket", out} +
-                                 kCommandLineChoices + extra);
+                                 choices + extra);
   process.waitForFinished(30000);
   if (process.exitCode() != 0) qWarning("%s", process.readAllStandardError().constData());
   return Load(out);
+}
+
+// What a person does while menus and modal dialogs hold the event loop: each step waits
+// for its moment (`ready`), then acts; an act may itself open a menu or dialog, inside
+// which the later steps go on.
+class Steps : public QObject {
+ public:
+  struct Step {
+    std::function<bool()> ready;
+    std::function<void()> act;
+  };
+  Steps() {
+    QObject::connect(&timer_, &QTimer::timeout, this, [this] {
+      if (steps_.empty() || !steps_.front().ready()) return;
+      Step step = std::move(steps_.front());
+      steps_.pop_front();
+      // Posted rather than run here: Qt does not fire a timer inside its own timeout, and
+      // the act may hold the loop (a menu, a modal dialog) while later steps must run.
+      QMetaObject::invokeMethod(this, std::move(step.act), Qt::QueuedConnection);
+    });
+    timer_.start(10);
+  }
+  void then(std::function<bool()> ready, std::function<void()> act) {
+    steps_.push_back({std::move(ready), std::move(act)});
+  }
+  bool done() const { return steps_.empty(); }
+
+ private:
+  QTimer timer_;
+  std::deque<Step> steps_;
+};
+
+// The menu that popped up last, once it is on screen.
+QMenu* OpenMenu() {
+  auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+  return menu && menu->isVisible() ? menu : nullptr;
+}
+
+// In an open menu, the down arrow until `text` is the active item, then `last` (return to
+// choose it, right to open its submenu).
+void KeyTo(QMenu* menu, const QString& text, Qt::Key last) {
+  for (int i = 0; i < 64 && !(menu->activeAction() && menu->activeAction()->text() == text); ++i)
+    QTest::keyClick(menu, Qt::Key_Down);
+  QVERIFY2(menu->activeAction() && menu->activeAction()->text() == text, qPrintable("no item " + text));
+  QTest::keyClick(menu, last);
+}
+
+// Opens `button`'s menu with the mouse and chooses `path` (an item, or a submenu and its
+// item) with the keys; the steps run while the menu holds the event loop.
+void ScriptMenuChoice(Steps& steps, const QStringList& path) {
+  auto top = std::make_shared<QMenu*>(nullptr);
+  steps.then([top] { return (*top = OpenMenu()) != nullptr; },
+             [top, path] { KeyTo(*top, path[0], path.size() > 1 ? Qt::Key_Right : Qt::Key_Return); });
+  if (path.size() > 1)
+    steps.then([top] { QMenu* sub = OpenMenu(); return sub && sub != *top; },
+               [path] { KeyTo(OpenMenu(), path[1], Qt::Key_Return); });
+}
+
+QWidget* ModalDialog(QWidget* main) {
+  QWidget* modal = QApplication::activeModalWidget();
+  return modal && modal != main && modal->isVisible() ? modal : nullptr;
+}
+
+// The pop-up of a modal dialog that offers `item`, the `n`th such (0: the first).
+QComboBox* PopupOffering(QWidget* dialog, const QString& item, int n = 0) {
+  for (QComboBox* combo : dialog->findChildren<QComboBox*>())
+    if (combo->isVisible() && combo->findText(item) >= 0 && n-- == 0) return combo;
+  return nullptr;
 }
 
 }  // namespace
@@ -111,6 +185,7 @@ class PrintDialogTest : public QObject {
  private:
   std::unique_ptr<qt::PrintDialog> dialog_;
   QTemporaryDir folder_;
+  QTemporaryDir home_;
   std::vector<std::string> urls_;
 
   void open(qt::DialogOptions options) {
@@ -183,6 +258,12 @@ class PrintDialogTest : public QObject {
   }
 
  private Q_SLOTS:
+  // libcups reads HOME once, at its first call: a home of the test's own, set before any,
+  // keeps saved defaults (~/.cups/lpoptions) out of the user's.
+  void initTestCase() {
+    QVERIFY(home_.isValid());
+    qputenv("HOME", home_.path().toUtf8());
+  }
   void cleanup() {
     dialog_.reset();
     urls_.clear();
@@ -296,6 +377,83 @@ class PrintDialogTest : public QObject {
     QCOMPARE(std::make_pair(width, length), std::make_pair(595, 842));  // A4 in points
   }
 
+  // The paper menu, its separators and covers dialogs, all with the mouse and the keys;
+  // the ticket is varno-print's for the same choices.
+  void paperDialogsGiveVarnoPrintsTicket() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    auto* paper = qobject_cast<QToolButton*>(widget({panels::kPaperOutputSignature, panels::kStockMenuButtonID}));
+    QVERIFY(paper && paper->isVisible());
+    Steps steps;
+    ScriptMenuChoice(steps, {"Type", "Transparency"});
+    QTest::mouseClick(paper, Qt::LeftButton);
+    QTRY_VERIFY(steps.done());
+    toolkit::Control* summary = dialog_->frameWindow().findByID({panels::kPaperOutputSignature, panels::kStockSummaryViewID});
+    QCOMPARE(summary->text(), std::string("- Clear\n- Transparency"));
+
+    ScriptMenuChoice(steps, {"Transparency Separators…"});
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      ChooseByKeys(PopupOffering(modal, "Printed"), "Printed");
+      ChooseByKeys(PopupOffering(modal, "Tray 2"), "Tray 2");
+      Photograph(modal, "dialog-separators");
+      for (QPushButton* b : modal->findChildren<QPushButton*>())
+        if (b->text() == "OK") QTest::mouseClick(b, Qt::LeftButton);
+    });
+    QTest::mouseClick(paper, Qt::LeftButton);
+    QTRY_VERIFY(steps.done());
+    QCOMPARE(summary->text(), std::string("- Clear\n- Transparency\n- Separators: Tray 2"));
+
+    // Covers: both, each made blue from its own paper menu and printed on its front.
+    ScriptMenuChoice(steps, {"Covers…"});
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      ChooseByKeys(PopupOffering(modal, "Front and Back Covers"), "Front and Back Covers");
+    });
+    for (int cover = 0; cover < 2; ++cover) {
+      steps.then([] { return true; }, [this, cover] {
+        QWidget* modal = ModalDialog(dialog_.get());
+        QList<QToolButton*> buttons;
+        for (QToolButton* b : modal->findChildren<QToolButton*>())
+          if (b->isVisible() && b->menu()) buttons.push_back(b);
+        QCOMPARE(buttons.size(), 2);
+        QTest::mouseClick(buttons[cover], Qt::LeftButton);  // holds the loop while its menu is open
+      });
+      ScriptMenuChoice(steps, {"Other Color", "Blue"});
+      steps.then([] { return !OpenMenu(); }, [this, cover] {
+        ChooseByKeys(PopupOffering(ModalDialog(dialog_.get()), "Front Side", cover), "Front Side");
+      });
+    }
+    steps.then([] { return true; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      Photograph(modal, "dialog-covers");
+      for (QPushButton* b : modal->findChildren<QPushButton*>())
+        if (b->text() == "OK") QTest::mouseClick(b, Qt::LeftButton);
+    });
+    QTest::mouseClick(paper, Qt::LeftButton);
+    QTRY_VERIFY(steps.done());
+    Photograph(dialog_.get(), "panel-paper-output-chosen");
+
+    // The advanced paper dialog, looked at and cancelled: nothing changes.
+    ScriptMenuChoice(steps, {"Advanced Paper…"});
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      Photograph(modal, "dialog-advanced-paper");
+      for (QPushButton* b : modal->findChildren<QPushButton*>())
+        if (b->text() == "Cancel") QTest::mouseClick(b, Qt::LeftButton);
+    });
+    QTest::mouseClick(paper, Qt::LeftButton);
+    QTRY_VERIFY(steps.done());
+
+    const QString saved = saveSettings("paper.plist");
+    QVERIFY2(QFileInfo::exists(saved), qPrintable(dialog_->statusText()));
+    CompareTickets(Load(saved), VarnoPrintTicket(folder_.path(), {"-n", "1"},
+                                                 {"--paper-type", "Transparency", "--separators",
+                                                  "printed:Tray2", "--covers", "both:,Blue,:front"}));
+  }
+
   void helpOpensTheBundlesPages() {
     open({.ppd = VARNO_SAMPLE_PPD});
     QTest::mouseClick(button("?"), Qt::LeftButton);
@@ -382,7 +540,6 @@ class PrintDialogTest : public QObject {
     testing::PrivateScheduler scheduler;
     std::string error;
     QVERIFY2(scheduler.start(&error) && scheduler.addQueue("varno", VARNO_SAMPLE_PPD, &error), error.c_str());
-    qputenv("HOME", QByteArray::fromStdString(scheduler.root().string()));
     const std::string document = (scheduler.root() / "doc.ps").string();
     std::ofstream(document) << "%!PS\nshowpage\n";
     auto defaults = [&] {

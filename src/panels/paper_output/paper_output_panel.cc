@@ -24,6 +24,7 @@ using toolkit::Control;
 using ui::SetControlBestRect;
 using ui::SetLocalizedStaticText;
 using ui::kAlignBottom;
+using ui::kAlignRight;
 using ui::kAlignTop;
 using vocabulary::CopyLocalizedStringForInstalledFeatureFromPlugin;
 using vocabulary::getInstalledFeature;
@@ -275,7 +276,7 @@ OSStatus PaperOutputOpen(print::PMPDEContext context) {
   for (const auto& [id, key] : labels) {
     if (Control* label = find(id)) {
       SetLocalizedStaticText(bundle, key, label);
-      SetControlBestRect(label, kAlignTop | kAlignBottom, nullptr, nullptr);
+      SetControlBestRect(label, kAlignTop | kAlignBottom | kAlignRight, nullptr, nullptr);
     }
   }
   ui::SetLocalizedControlTitle(bundle, "Setup...", panel->jobTypeSetupButton);
