@@ -243,6 +243,9 @@ TEST_F(PaperOutputPanel, ReopeningRestoresTheSummary) {
   OpenWith({});
   ChooseStock(ui::kStockColorCommand, "Green");
   const toolkit::Rect bounds = Panel(kStockSummaryViewID)->bounds();
+  const toolkit::MenuItemIndex items[] = {Panel(kJobTypePopupID)->menu()->count(),
+                                          Panel(kTwoSidedPopupID)->menu()->count(),
+                                          Panel(kOutputDestinationPopupID)->menu()->count()};
   ASSERT_EQ(driver_.sync(false), noErr);
   ASSERT_EQ(driver_.close(), noErr);
   EXPECT_EQ(Panel(kStockSummaryViewID), nullptr);
@@ -250,6 +253,9 @@ TEST_F(PaperOutputPanel, ReopeningRestoresTheSummary) {
   ASSERT_NE(Panel(kStockSummaryViewID), nullptr);
   EXPECT_EQ(Panel(kStockSummaryViewID)->bounds(), bounds);
   EXPECT_EQ(Panel(kStockSummaryViewID)->text(), "- Green\n- Printer Default");
+  EXPECT_EQ(Panel(kJobTypePopupID)->menu()->count(), items[0]) << "each choice listed once";
+  EXPECT_EQ(Panel(kTwoSidedPopupID)->menu()->count(), items[1]);
+  EXPECT_EQ(Panel(kOutputDestinationPopupID)->menu()->count(), items[2]);
 }
 
 }  // namespace

@@ -159,25 +159,6 @@ TEST_F(SeparatorsDialog, TheOptionDecidesTheTrayAndThePicture) {
   EXPECT_EQ(toolkit::HeadlessAlerts().helpRequests()[0].page, kSeparatorHelpPage);
 }
 
-TEST_F(SeparatorsDialog, PicturesFollowThePaperColour) {
-  struct Case {
-    std::int32_t option, color;
-    const char* picture;
-  } cases[] = {
-      {1, 2, "Paper_TransparencySeparators_NoSeps.gif"},
-      {2, 2, "Paper_TransparencySeparators_BlnkSeps-Blue.gif"},
-      {3, 13, "Paper_TransparencySeparators_PrntdSeps-Orange.gif"},
-      {3, 10, "Paper_TransparencySeparators_PrntdSeps-White.gif"},
-      {2, vocabulary::kUnsetValue, "Paper_TransparencySeparators_BlnkSeps-White.gif"},
-      {4, 1, nullptr},
-  };
-  for (const Case& c : cases) {
-    const char* picture = SeparatorPreviewPicture(c.option, c.color);
-    EXPECT_EQ(picture ? std::string(picture) : "(none)", c.picture ? c.picture : "(none)")
-        << c.option << " on " << c.color;
-  }
-}
-
 TEST_F(SeparatorsDialog, AMissingWindowIsReportedAndChangesNothing) {
   testing::TempDir dir;
   dir.write("Bare.plugin/Contents/Info.plist",

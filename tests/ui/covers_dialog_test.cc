@@ -13,8 +13,8 @@
 #include "platform/print/ticket_access.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/application.h"
+#include "platform/toolkit/automation.h"
 #include "platform/toolkit/automation_script.h"
-#include "platform/toolkit/standard_behaviour.h"
 #include "platform/toolkit/window.h"
 #include "support/temp_dir.h"
 #include "ui/stock_menus.h"
@@ -71,15 +71,11 @@ class CoversDialog : public ::testing::Test {
     script().add("stock submenu", [=](Window& window) {
       Control* control = window.findByID(button);
       if (!control || !control->menu()) return paramErr;
-      if (!control->isReachable()) return errControlHiddenOrDisabled;
       for (toolkit::MenuItemIndex i = 1; i <= control->menu()->count(); ++i) {
         const toolkit::MenuItem* item = control->menu()->item(i);
         if (item->command != command || !item->submenu) continue;
         const toolkit::MenuItemIndex chosen = item->submenu->findRefCon(static_cast<std::uint32_t>(value));
-        if (!chosen) return menuItemNotFoundErr;
-        // The handlers pass the command on; like a person, the step sees only its effects.
-        toolkit::SendCommandEvent(*control, {toolkit::kHICommandFromMenu, command, control, item->submenu.get(), chosen});
-        return noErr;
+        return chosen ? toolkit::ChooseSubmenuItem(*control, i, chosen) : menuItemNotFoundErr;
       }
       return menuItemNotFoundErr;
     });

@@ -282,10 +282,10 @@ OSStatus PaperOutputOpen(print::PMPDEContext context) {
   ui::SetLocalizedControlTitle(bundle, "Setup...", panel->jobTypeSetupButton);
   ui::SetLocalizedControlTitle(bundle, "Paper Menu Title", panel->stockMenuButton);
 
-  if (panel->jobTypePopup) {
-    panel->jobTypePopup->setMenu(toolkit::Menu::create());
-    vocabulary::PopulatePopupButtonFromMap(bundle, panel->jobTypePopup, vocabulary::JobTypeMap, false, 0);
-  }
+  // Filled afresh on every Open, so a reopened panel lists each choice once.
+  for (Control* popup : {panel->jobTypePopup, panel->twoSidedPopup, panel->outputDestinationPopup})
+    if (popup) popup->setMenu(toolkit::Menu::create());
+  vocabulary::PopulatePopupButtonFromMap(bundle, panel->jobTypePopup, vocabulary::JobTypeMap, false, 0);
   if (panel->twoSidedPopup) {
     if (panel->duplexCapable)
       vocabulary::PPDPopulatePopupWithChoices(panel->twoSidedPopup, ppd, "Duplex", false);
@@ -294,7 +294,7 @@ OSStatus PaperOutputOpen(print::PMPDEContext context) {
   // The finisher's trays when the printer says which finisher it has; else the PPD's bins.
   if (AnyFinisherConfigurationInstalled())
     PopulateOutputDestination(panel->outputDestinationPopup, bundle);
-  else if (panel->outputDestinationPopup)
+  else
     vocabulary::PPDPopulatePopupWithChoices(panel->outputDestinationPopup, ppd, "OutputBin", false);
   if (!panel->stockMenuBuilt) BuildStockMenu(panel);
   PopulateFeaturePopup(bundle, panel->staplePopup, "No Staple Value", kStaplers);
