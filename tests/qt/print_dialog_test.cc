@@ -146,23 +146,29 @@ QMenu* OpenMenu() {
 }
 
 // In an open menu, the down arrow until `text` is the active item, then `last` (return to
-// choose it, right to open its submenu).
+// choose it, right to open its submenu; Qt::Key_unknown: nothing more).
 void KeyTo(QMenu* menu, const QString& text, Qt::Key last) {
   for (int i = 0; i < 64 && !(menu->activeAction() && menu->activeAction()->text() == text); ++i)
     QTest::keyClick(menu, Qt::Key_Down);
   QVERIFY2(menu->activeAction() && menu->activeAction()->text() == text, qPrintable("no item " + text));
-  QTest::keyClick(menu, last);
+  if (last != Qt::Key_unknown) QTest::keyClick(menu, last);
 }
 
 // Opens `button`'s menu with the mouse and chooses `path` (an item, or a submenu and its
-// item) with the keys; the steps run while the menu holds the event loop.
-void ScriptMenuChoice(Steps& steps, const QStringList& path) {
+// item) with the keys; the steps run while the menu holds the event loop. With `photo`,
+// the menu and its submenu are photographed on the way.
+void ScriptMenuChoice(Steps& steps, const QStringList& path, const QString& photo = {}) {
   auto top = std::make_shared<QMenu*>(nullptr);
-  steps.then([top] { return (*top = OpenMenu()) != nullptr; },
-             [top, path] { KeyTo(*top, path[0], path.size() > 1 ? Qt::Key_Right : Qt::Key_Return); });
+  steps.then([top] { return (*top = OpenMenu()) != nullptr; }, [top, path, photo] {
+    if (!photo.isEmpty()) Photograph(*top, photo);
+    KeyTo(*top, path[0], path.size() > 1 ? Qt::Key_Right : Qt::Key_Return);
+  });
   if (path.size() > 1)
-    steps.then([top] { QMenu* sub = OpenMenu(); return sub && sub != *top; },
-               [path] { KeyTo(OpenMenu(), path[1], Qt::Key_Return); });
+    steps.then([top] { QMenu* sub = OpenMenu(); return sub && sub != *top; }, [path, photo] {
+      KeyTo(OpenMenu(), path[1], Qt::Key_unknown);
+      if (!photo.isEmpty()) Photograph(OpenMenu(), photo + "-" + path[0].toLower());
+      QTest::keyClick(OpenMenu(), Qt::Key_Return);
+    });
 }
 
 QWidget* ModalDialog(QWidget* main) {
@@ -384,7 +390,7 @@ class PrintDialogTest : public QObject {
     auto* paper = qobject_cast<QToolButton*>(widget({panels::kPaperOutputSignature, panels::kStockMenuButtonID}));
     QVERIFY(paper && paper->isVisible());
     Steps steps;
-    ScriptMenuChoice(steps, {"Type", "Transparency"});
+    ScriptMenuChoice(steps, {"Type", "Transparency"}, "menu-paper");
     QTest::mouseClick(paper, Qt::LeftButton);
     QTRY_VERIFY(steps.done());
     toolkit::Control* summary = dialog_->frameWindow().findByID({panels::kPaperOutputSignature, panels::kStockSummaryViewID});
