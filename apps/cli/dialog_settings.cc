@@ -201,6 +201,12 @@ ApplyResult DialogSettings::apply(const SettingOption& option, std::string_view 
           status = toolkit::ChooseMenuItemByRefCon(*control, static_cast<toolkit::URefCon>(word.value));
       break;
     case SettingKind::StockSubmenu:
+      // The custom size item opens a dialog that needs the size itself.
+      if (option.command == ui::kStockSizeCommand &&
+          plist::EqualCaseInsensitive(offered->choices[*chosen].keyword, "Custom")) {
+        if (error) *error = "--paper-size: give a custom size with --custom-size WIDTHxLENGTH[pt|mm|in]";
+        return ApplyResult::UnknownChoice;
+      }
       status = toolkit::ChooseSubmenuItem(*control, ItemWithCommand(*control->menu(), option.command),
                                           static_cast<toolkit::MenuItemIndex>(*chosen + 1));
       break;

@@ -169,6 +169,7 @@ TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
                {"-o Duplex=Sideways", 2, "the choices are: None, DuplexNoTumble, DuplexTumble"},
                {"--ppd '" VARNO_TEST_DATA_DIR "/ppd/Other-Maker.ppd'", 1, "is not a Varno PPD"},
                {"--job-type hold", 2, "--job-type: no choice \"hold\"; the choices are: normal"},
+               {"--paper-size custom", 2, "give a custom size with --custom-size"},
                {"--custom-size 21x", 2, "\"21x\" is not a size; give WIDTHxLENGTH[pt|mm|in]"},
                {"--custom-size 100x800", 1, "widths from 216 to 907 points"},
                {"--separators none:Tray2", 2, "no separators come from no tray"},
