@@ -119,12 +119,6 @@ void EnableCoating(DialogState& state) {
   coating->setEnabled(value == kStockCoatedFront || value == kStockCoatedBack || value == kStockCoatedBoth);
 }
 
-void OpenHelp(const bundle::BundleRef& bundle) {
-  const plist::Value* book = bundle->infoValue("CFBundleHelpBookName");
-  const std::string* name = book ? book->asString() : nullptr;
-  toolkit::AHGotoPage(name ? *name : std::string(), kAdvancedStockHelpPage, {});
-}
-
 // OK when every number field holds an acceptable number; otherwise says why and keeps
 // the dialog open.
 bool Acceptable(DialogState& state) {
@@ -156,7 +150,7 @@ OSStatus AdvancedStockEventHandler(toolkit::EventHandlerCallRef, toolkit::EventR
       }
       return noErr;
     case kAdvancedStockHelpCommand:
-      OpenHelp(state->bundle);
+      DisplayHelpPage(state->bundle, kAdvancedStockHelpPage);
       return noErr;
     case kAdvancedStockCoatedSidesCommand:
       EnableCoating(*state);

@@ -156,12 +156,9 @@ OSStatus CoversEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef even
       dialog->result = 2;
       dialog->window->quitModalLoop();
       return noErr;
-    case kCoversHelpCommand: {
-      const plist::Value* book = dialog->bundle->infoValue("CFBundleHelpBookName");
-      const std::string* name = book ? book->asString() : nullptr;
-      toolkit::AHGotoPage(name ? *name : std::string(), kCoversHelpPage, {});
+    case kCoversHelpCommand:
+      DisplayHelpPage(dialog->bundle, kCoversHelpPage);
       return noErr;
-    }
     default:
       break;
   }

@@ -207,12 +207,15 @@ OSStatus CustomValueEventHandler(EventHandlerCallRef, EventRef event, void* dial
     if (state->window) state->window->quitModalLoop();
     return noErr;
   }
-  if (command.commandID == kCustomValueHelpCommand && state->bundle) {
-    const plist::Value* book = state->bundle->infoValue("CFBundleHelpBookName");
-    const std::string* name = book ? book->asString() : nullptr;
-    AHGotoPage(name ? *name : std::string(), kCustomValueHelpPage, {});
-  }
+  if (command.commandID == kCustomValueHelpCommand) DisplayHelpPage(state->bundle, kCustomValueHelpPage);
   return status;
+}
+
+void DisplayHelpPage(const bundle::BundleRef& bundle, const char* page) {
+  if (!bundle || !page) return;
+  const plist::Value* book = bundle->infoValue("CFBundleHelpBookName");
+  const std::string* name = book ? book->asString() : nullptr;
+  AHGotoPage(name ? *name : std::string(), page, {});
 }
 
 // --- Localized texts ---------------------------------------------------------------------

@@ -87,6 +87,9 @@ void SetLocalizedWindowTitle(const bundle::BundleRef& bundle, const char* key,
 void SetLocalizedMenuTitle(const bundle::BundleRef& bundle, const char* key, toolkit::Menu* menu,
                            toolkit::MenuItemIndex item, ...);
 
+// Opens `page` of the bundle's help book (its Info.plist "CFBundleHelpBookName").
+void DisplayHelpPage(const bundle::BundleRef& bundle, const char* page);
+
 // The custom paper size limits of the shared PPD in points; 432, 432, 864, 864 without
 // one. Null outputs are skipped.
 void GetMediaLimits(float* minWidth, float* minHeight, float* maxWidth, float* maxHeight);
