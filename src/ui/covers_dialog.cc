@@ -181,7 +181,9 @@ void InitializePane(CoversDialog& dialog, CoverPane& pane) {
   pane.sidesPopup = window.findByID(CoverControlID(pane.group, kCoverSidesPopupOffset));
   // "None" has no tray value, so only the trays are offered; trays that clash with the
   // printer's set-up are left out.
-  vocabulary::PPDPopulatePopupWithChoices(pane.sourcePopup, vocabulary::PPDGetCurrent(), pane.sourceKeyword, true);
+  // "None" is no cover, which the option pop-up says.
+  vocabulary::PPDPopulatePopupWithChoices(pane.sourcePopup, vocabulary::PPDGetCurrent(), pane.sourceKeyword,
+                                          true, "None");
   pane.menuData = {dialog.bundle, &pane.cover.stock(), nullptr, kCoverStockContext, pane.summary, pane.stockButton};
   if (pane.stockButton) {
     PopulateStockMenu(pane.stockButton->menu(), dialog.bundle, kCoverStockContext, &pane.menuData);

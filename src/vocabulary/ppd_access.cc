@@ -172,7 +172,7 @@ std::optional<std::string> PPDCopyDefaultChoice(ppd_file_t* ppd, const char* key
 }
 
 int PPDPopulateMenuWithChoices(toolkit::Menu* menu, ppd_file_t* ppd, const char* keyword,
-                               std::uint32_t commandID, bool markConflicts) {
+                               std::uint32_t commandID, bool markConflicts, const char* leftOut) {
   if (!menu || !ppd || !keyword) return 0;
   if (markConflicts) ppdcall::MarkDefaults(ppd);
   menu->deleteAllItems();
@@ -185,6 +185,7 @@ int PPDPopulateMenuWithChoices(toolkit::Menu* menu, ppd_file_t* ppd, const char*
   const PPDEncoding encoding = PPDGetEncoding(ppd);
   for (int i = 0; i < option->num_choices; ++i) {
     const ppd_choice_t& choice = option->choices[i];
+    if (leftOut && std::strcmp(choice.choice, leftOut) == 0) continue;
     // Marking leaves this choice marked; a positive count means it clashes with the
     // installed configuration or another marked choice, so the user cannot pick it.
     if (markConflicts && ppdcall::MarkOption(ppd, option->keyword, choice.choice) > 0) continue;
@@ -205,9 +206,9 @@ int PPDPopulateMenuWithChoices(toolkit::Menu* menu, ppd_file_t* ppd, const char*
 }
 
 int PPDPopulatePopupWithChoices(toolkit::Control* popup, ppd_file_t* ppd, const char* keyword,
-                                bool markConflicts) {
+                                bool markConflicts, const char* leftOut) {
   if (!popup || !popup->menu() || !ppd || !keyword) return 0;
-  int count = PPDPopulateMenuWithChoices(popup->menu(), ppd, keyword, 0, markConflicts);
+  int count = PPDPopulateMenuWithChoices(popup->menu(), ppd, keyword, 0, markConflicts, leftOut);
   popup->setMaximum(count);
   return count;
 }

@@ -55,11 +55,14 @@ std::optional<std::string> PPDCopyChoiceText(ppd_file_t* ppd, const char* keywor
                                              const char* choice);
 std::optional<std::string> PPDCopyDefaultChoice(ppd_file_t* ppd, const char* keyword);
 
-// Fills `menu` with the option's recognised choices; returns the item count.
+// Fills `menu` with the option's recognised choices; returns the item count. A choice
+// the maps do not know is left out with a line on standard error, except `leftOut` (a
+// choice the caller offers otherwise, as the cover sheets' "None" is no cover at all).
 int PPDPopulateMenuWithChoices(toolkit::Menu* menu, ppd_file_t* ppd, const char* keyword,
-                               std::uint32_t commandID, bool markConflicts);
+                               std::uint32_t commandID, bool markConflicts,
+                               const char* leftOut = nullptr);
 int PPDPopulatePopupWithChoices(toolkit::Control* popup, ppd_file_t* ppd, const char* keyword,
-                                bool markConflicts);
+                                bool markConflicts, const char* leftOut = nullptr);
 
 // True when the PPD is one of this printer family's: its manufacturer is exactly "Varno".
 bool PPDIsFromMaker(ppd_file_t* ppd);

@@ -243,6 +243,7 @@ TEST(VarnoPrint, PaperOptionsAreMadeInThePaperOutputPanel) {
 
   run = VarnoPrint("--covers both:A4,Blue,:front --custom-size 210x297mm --save-ticket '" + saved + "'", dir);
   ASSERT_EQ(run.status, 0) << run.all;
+  EXPECT_EQ(run.all, run.out) << "nothing on standard error without -v";
   ticket = print::Ticket::load(saved, &error);
   ASSERT_TRUE(ticket) << error;
   for (const char* key : {"com.varno.print.SpecialPages.FrontCover", "com.varno.print.SpecialPages.BackCover"}) {
