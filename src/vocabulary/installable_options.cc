@@ -27,8 +27,19 @@ const InstalledFeatureMap InstalledFeatures[] = {
     {"DualStapleKey", "VNFinisher", "SBClass", "2 Staples", 0},
     {"SingleStapleKey", "VNFinisher", "SBClassBooklet", "1 Staple", 0},
     {"DualStapleKey", "VNFinisher", "SBClassBooklet", "2 Staples", 0},
+    {"MultipleStapleKey", "VNFinisher", "SBClassBooklet", "Multiple Staples", 0},
     {"BookletFoldKey", "VNFinisher", "SBClassBooklet", nullptr, 0},
     {"SBBookletMaker", "VNFinisher", "SBClassBooklet", nullptr, 0},
+    {"Offset", "VNFinisher", "SBClassBooklet", nullptr, 0},
+    // A custom instruction goes to the operator at any finisher.
+    {"Custom", "VNFinisher", "AClass", nullptr, 0},
+    {"Custom", "VNFinisher", "SBClass", nullptr, 0},
+    {"Custom", "VNFinisher", "SBClassBooklet", nullptr, 0},
+    {"CFoldKey", "VNCZFoldUnit", "CZFold", nullptr, 0},
+    {"ZFoldKey", "VNCZFoldUnit", "CZFold", nullptr, 0},
+    {"ZFoldHalfSheetKey", "VNCZFoldUnit", "CZFold", nullptr, 0},
+    {"GBCAdvancedPunchKey", "VNCoilPunch", "True", nullptr, 0},
+    {"SquareFoldTrimmerKey", "VNSquareFoldTrimmer", "True", nullptr, 0},
     // Inserts can come from a post-print inserter: its stock source is 10.
     {"PostPrintInserterKey", "VNPostPrintInserter", "True", "Post-Print Inserter", 10},
     // Finisher configurations, which decide the output destinations. The single modules

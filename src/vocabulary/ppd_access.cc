@@ -213,6 +213,19 @@ int PPDPopulatePopupWithChoices(toolkit::Control* popup, ppd_file_t* ppd, const 
   return count;
 }
 
+bool PPDChoiceConflicts(ppd_file_t* ppd, const print::Ticket* ticket, const char* keyword,
+                        const char* choice) {
+  if (!ppd || !keyword || !choice) return false;
+  ppdcall::MarkDefaults(ppd);
+  if (ticket) {
+    for (const auto& [other, value] : ticket->ppdDictionary()) {
+      const std::string* marked = value.asString();
+      if (other != keyword && marked) ppdcall::MarkOption(ppd, other.c_str(), marked->c_str());
+    }
+  }
+  return ppdcall::ChoiceConflicts(ppd, keyword, choice) > 0;
+}
+
 bool PPDIsFromMaker(ppd_file_t* ppd) {
   return ppd && ppd->manufacturer && std::strcmp(ppd->manufacturer, "Varno") == 0;
 }

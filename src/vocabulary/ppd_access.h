@@ -64,6 +64,12 @@ int PPDPopulateMenuWithChoices(toolkit::Menu* menu, ppd_file_t* ppd, const char*
 int PPDPopulatePopupWithChoices(toolkit::Control* popup, ppd_file_t* ppd, const char* keyword,
                                 bool markConflicts, const char* leftOut = nullptr);
 
+// True when the PPD's constraints forbid `choice` of `keyword` with the installed
+// configuration and the other choices of `ticket` (the PPD's defaults where it has none).
+// Leaves the PPD marked so.
+bool PPDChoiceConflicts(ppd_file_t* ppd, const print::Ticket* ticket, const char* keyword,
+                        const char* choice);
+
 // True when the PPD is one of this printer family's: its manufacturer is exactly "Varno".
 bool PPDIsFromMaker(ppd_file_t* ppd);
 

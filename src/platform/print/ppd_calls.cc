@@ -34,6 +34,13 @@ int MarkOptions(ppd_file_t* ppd, int count, cups_option_t* options) {
 
 int Conflicts(ppd_file_t* ppd) { return ppdConflicts(ppd); }
 
+int ChoiceConflicts(ppd_file_t* ppd, const char* keyword, const char* choice) {
+  cups_option_t* options = nullptr;
+  const int count = cupsGetConflicts(ppd, keyword, choice, &options);
+  cupsFreeOptions(count, options);
+  return count;
+}
+
 ppd_option_t* FirstOption(ppd_file_t* ppd) { return ppdFirstOption(ppd); }
 
 ppd_option_t* NextOption(ppd_file_t* ppd) { return ppdNextOption(ppd); }

@@ -34,6 +34,8 @@ int MarkOption(ppd_file_t* ppd, const char* keyword, const char* choice);
 int MarkOptions(ppd_file_t* ppd, int count, cups_option_t* options);
 // ppdConflicts: the number of conflicts among the marked choices.
 int Conflicts(ppd_file_t* ppd);
+// cupsGetConflicts: how many options, as marked, forbid `choice` of `keyword`.
+int ChoiceConflicts(ppd_file_t* ppd, const char* keyword, const char* choice);
 
 // ppdFirstOption / ppdNextOption: every option of the PPD in order; null at the end.
 ppd_option_t* FirstOption(ppd_file_t* ppd);
