@@ -1,72 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-// The Paper/Output panel inside the real plug-in bundle, loaded by the framework driver into
-// a headless dialog and used through the automation API, as a person uses it.
+// The Paper/Output panel's job types, paper, two-sided printing and OK check.
 #include <gtest/gtest.h>
 
 #include <ctime>
 #include <string>
 
 #include "host/dialog_host.h"
-#include "panels/paper_output/paper_output_panel.h"
-#include "platform/print/framework_keys.h"
-#include "platform/toolkit/alerts.h"
-#include "platform/toolkit/automation.h"
-#include "support/plugin_dialog.h"
+#include "paper_output_fixture.h"
 
 namespace varno::panels {
 namespace {
-
-using toolkit::Control;
-
-constexpr const char* kJobTypeKey = "com.varno.print.JobType";
-
-class PaperOutputPanel : public testing::PlugInDialogTest {
- protected:
-  // Opens the dialog on a print-settings ticket holding `items` and PPD `choices`.
-  void OpenWith(const plist::Dictionary& items, const plist::Dictionary& choices = {},
-                std::int32_t orientation = 1) {
-    print::Ticket settings;
-    for (const auto& [key, value] : items) settings.setValue(key, value, "test");
-    for (const auto& [keyword, choice] : choices)
-      settings.ppdDictionary().set(keyword, choice);
-    session_->setDataItem(print::kPrintSettingsTicket, settings);
-    print::Ticket format;
-    format.setValue(print::kOrientationKey, plist::Value(orientation), "test");
-    session_->setDataItem(print::kPageFormatTicket, format);
-    toolkit::HeadlessAlerts().clear();
-    OpenDialog();
-  }
-
-  Control* Panel(std::int32_t id) { return window_->findByID({kPaperOutputSignature, id}); }
-  void Choose(std::int32_t popupID, const std::string& text) {
-    ASSERT_NE(Panel(popupID), nullptr);
-    ASSERT_EQ(toolkit::ChooseMenuItemByText(*Panel(popupID), text), noErr) << text;
-  }
-  // Chooses `text` from the paper menu's submenu whose item has `command`.
-  void ChooseStock(toolkit::MenuCommand command, const std::string& text) {
-    Control* button = Panel(kStockMenuButtonID);
-    ASSERT_TRUE(button && button->menu());
-    const toolkit::Menu& menu = *button->menu();
-    for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i) {
-      if (menu.item(i)->command != command) continue;
-      const toolkit::MenuItemIndex sub = menu.item(i)->submenu->findText(text);
-      ASSERT_NE(sub, 0) << text;
-      ASSERT_EQ(toolkit::ChooseSubmenuItem(*button, i, sub), noErr);
-      return;
-    }
-    FAIL() << "no submenu for the command";
-  }
-  print::Ticket Written() {
-    EXPECT_EQ(driver_.sync(false), noErr) << driver_.error();
-    return session_->printSettings();
-  }
-  plist::Dictionary JobTypeOf(const print::Ticket& ticket) {
-    return ticket.dictionary(kJobTypeKey).value_or(plist::Dictionary{});
-  }
-  std::string Choice(const print::Ticket& ticket, const char* keyword) {
-    return ticket.ppdDictionary().getString(keyword).value_or("-");
-  }
-};
 
 TEST_F(PaperOutputPanel, JobTypesShowTheirPictureAndSetUpButton) {
   OpenWith({});
@@ -145,7 +88,7 @@ class Finishing : public PaperOutputPanel, public ::testing::WithParamInterface<
 TEST_P(Finishing, TwoSidedStaplesAndPunchFollowTheOrientation) {
   const FinishingCase& c = GetParam();
   // The printer's punch choice stays as the ticket has it when no holes are chosen.
-  OpenWith({}, {{"VNPunch", plist::Value("3HolePunch")}}, c.orientation);
+  OpenWith({}, {{"VNPunch", plist::Value("3HolePunch")}}, c.orientation, kSamplePPD);
   Choose(kTwoSidedPopupID, c.twoSided);
   Choose(kStaplePopupID, c.staples);
   Choose(kHolePunchPopupID, c.punch);
@@ -160,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(
     ByOrientation, Finishing,
     ::testing::Values(
         FinishingCase{1, "Long Edge", "1 Staple", "2-Hole Punch", 2, "SinglePortrait", "2HolePunch"},
-        FinishingCase{2, "Short Edge", "1 Staple", "4-Hole Punch", 3, "SingleLandscape", "4HolePunchLandscape"},
+        FinishingCase{2, "Short Edge", "1 Staple", "3-Hole Punch", 3, "SingleLandscape", "3HolePunchLandscape"},
         FinishingCase{2, "Off", "2 Staples", "2-Hole Punch", 1, "DualLandscape", "2HolePunchLandscape"},
         FinishingCase{1, "Off", "2 Staples", "No Hole Punch", 1, "DualPortrait", "3HolePunch"}),
     [](const auto& info) { return "Case" + std::to_string(info.index); });

@@ -2,6 +2,7 @@
 // What the panel does when a person uses it: control hits, the stock menu's commands and
 // the pictures that follow the choices.
 #include "fax/lan_fax_setup.h"
+#include "panels/paper_output/finishing_menu.h"
 #include "panels/paper_output/paper_output_panel.h"
 #include "panels/paper_output/separators_dialog.h"
 #include "platform/toolkit/automation.h"
@@ -80,8 +81,11 @@ void ControlHit(PaperOutputContext* panel, Control& control) {
   }
 }
 
-void MenuCommand(PaperOutputContext* panel, toolkit::MenuCommand command) {
-  if (command == kCoversCommand) {
+void MenuCommand(PaperOutputContext* panel, const toolkit::HICommand& hiCommand) {
+  const toolkit::MenuCommand command = hiCommand.commandID;
+  if (RunFinishingCommand(panel, hiCommand)) {
+    // FinishingChanged below follows every command.
+  } else if (command == kCoversCommand) {
     if (!panel->coversUndo) panel->coversUndo = std::make_unique<ui::CoversUndoState>();
     const bool anyCover = panel->frontCover || panel->backCover;
     std::int16_t itemHit = 0;
@@ -97,6 +101,7 @@ void MenuCommand(PaperOutputContext* panel, toolkit::MenuCommand command) {
     // The stock menus have shown the stock; a transparency adds its separators.
     ShowPaperSummary(panel);
   }
+  FinishingChanged(panel);
 }
 
 }  // namespace
@@ -105,6 +110,9 @@ OSStatus dialogHostPaperOutputEventHandler(toolkit::EventHandlerCallRef, toolkit
                                            void* context) {
   auto* panel = static_cast<PaperOutputContext*>(context);
   if (!panel || !event) return eventNotHandledErr;
+  // The stock may have changed since the last event: a coil or square fold it cannot take
+  // goes now.
+  CheckFinisherAgainstStock(panel);
   if (event->is({toolkit::kEventClassControl, toolkit::kEventControlHit})) {
     Control* control = event->control();
     if (control && control->id().signature == kPaperOutputSignature &&
@@ -112,7 +120,7 @@ OSStatus dialogHostPaperOutputEventHandler(toolkit::EventHandlerCallRef, toolkit
       ControlHit(panel, *control);
   } else if (event->is({toolkit::kEventClassCommand, toolkit::kEventCommandProcess})) {
     if (std::optional<toolkit::HICommand> command = event->command())
-      MenuCommand(panel, command->commandID);
+      MenuCommand(panel, *command);
   }
   // The host and the standard behaviours still need every event.
   return eventNotHandledErr;

@@ -6,6 +6,7 @@
 #include <ctime>
 #include <new>
 
+#include "panels/paper_output/finishing_menu.h"
 #include "panels/paper_output/output_destination.h"
 #include "platform/print/framework_keys.h"
 #include "platform/print/ppd_calls.h"
@@ -46,44 +47,12 @@ constexpr std::array<toolkit::EventTypeSpec, 1> kDrawEvents{{
 // Seconds from 1 January 1904 to 1 January 1970.
 constexpr std::int64_t kSecondsFrom1904To1970 = 2082844800;
 
-// An installed feature and the code its popup item stands for.
-struct FeatureItem {
-  const char* featureKey;
-  std::int32_t code;
-};
-constexpr FeatureItem kStaplers[] = {
-    {"SingleStapleKey", 5}, {"DualStapleKey", 10}, {"MultipleStapleKey", 54}};
-constexpr FeatureItem kPunches[] = {
-    {"GenericPunchKey", 2}, {"DualPunchKey", 3}, {"TriplePunchKey", 4}, {"QuadruplePunchKey", 5}};
-
 PaperOutputContext* AsPaperOutput(print::PMPDEContext context) {
   return static_cast<PaperOutputContext*>(context);
 }
 
 std::string Localized(const bundle::BundleRef& bundle, const char* key) {
   return bundle ? bundle->localizedString(key, "Localizable", key) : key;
-}
-
-// Fills a popup with "none" and the installed features; a popup without any is disabled.
-void PopulateFeaturePopup(const bundle::BundleRef& bundle, Control* popup, const char* noneKey,
-                          std::span<const FeatureItem> features) {
-  if (!popup) return;
-  toolkit::MenuPtr menu = toolkit::Menu::create();
-  bool any = false;
-  for (const FeatureItem& feature : features) any = any || getInstalledFeature(feature.featureKey);
-  menu->setItemRefCon(menu->appendItem(Localized(bundle, any ? noneKey : "None")), 1);
-  for (const FeatureItem& feature : features) {
-    if (!getInstalledFeature(feature.featureKey)) continue;
-    const toolkit::MenuItemIndex item = menu->appendItem(
-        CopyLocalizedStringForInstalledFeatureFromPlugin(feature.featureKey, bundle)
-            .value_or(feature.featureKey));
-    menu->setItemRefCon(item, static_cast<toolkit::URefCon>(feature.code));
-  }
-  const auto count = static_cast<std::int32_t>(menu->count());
-  popup->setMenu(std::move(menu));
-  popup->setMaximum(count);
-  popup->setValue(1);
-  popup->setEnabled(any);
 }
 
 // The job's stock menu: the printer's sizes, colours and types, the default and advanced
@@ -194,6 +163,9 @@ OSStatus PaperOutputInitialize(print::PMPDEContext context, print::PMPDEFlags*, 
   panel->userPane = userPane;
   ppd_file_t* ppd = vocabulary::PPDGetCurrent();
   panel->duplexCapable = ppd && print::ppdcall::FindOption(ppd, "Duplex") ? 1 : 0;
+  std::int32_t duplexDefault = 1;
+  vocabulary::PPDGetTicketValueForChoiceOrDefault(ppd, nullptr, "Duplex", &duplexDefault);
+  if (duplexDefault != -1) panel->rememberedDuplex = duplexDefault;
   print::Ticket ticket;
   if (OSStatus status = print::GetTicketFromSession(session, print::kPrintSettingsTicket, &ticket);
       status != noErr)
@@ -236,11 +208,17 @@ OSStatus PaperOutputOpen(print::PMPDEContext context) {
                                               "PaperOutputOpen");
         status != noErr)
       return status;
-  } else if (pane && !find(kStockSummaryViewID) && panel->stockSummaryBounds) {
-    // Reopened after Close: the summary view comes back where it was.
-    auto view = Control::create(toolkit::ControlKind::StaticText, *panel->stockSummaryBounds);
-    view->setID({kPaperOutputSignature, kStockSummaryViewID});
-    pane->embed(std::move(view));
+  } else if (pane) {
+    // Reopened after Close: the summary views come back where they were.
+    const std::pair<std::int32_t, const std::optional<toolkit::Rect>*> views[] = {
+        {kStockSummaryViewID, &panel->stockSummaryBounds},
+        {kFinishingSummaryViewID, &panel->finishingSummaryBounds}};
+    for (const auto& [id, bounds] : views) {
+      if (find(id) || !*bounds) continue;
+      auto view = Control::create(toolkit::ControlKind::StaticText, **bounds);
+      view->setID({kPaperOutputSignature, id});
+      pane->embed(std::move(view));
+    }
   }
   panel->opened = 1;
   const bundle::BundleRef& bundle = panel->bundle;
@@ -261,7 +239,6 @@ OSStatus PaperOutputOpen(print::PMPDEContext context) {
   panel->holePunchPopup = find(kHolePunchPopupID);
   panel->outputDestinationPopup = find(kOutputDestinationPopupID);
   panel->destinationIcon = find(kDestinationIconID);
-  // The finishing summary, menu and label come with the finishing menu.
   panel->finishingLabel = find(kFinishingLabelID);
   panel->finishingSummaryView = find(kFinishingSummaryViewID);
   panel->finishingMenuButton = find(kFinishingMenuButtonID);
@@ -297,8 +274,7 @@ OSStatus PaperOutputOpen(print::PMPDEContext context) {
   else
     vocabulary::PPDPopulatePopupWithChoices(panel->outputDestinationPopup, ppd, "OutputBin", false);
   if (!panel->stockMenuBuilt) BuildStockMenu(panel);
-  PopulateFeaturePopup(bundle, panel->staplePopup, "No Staple Value", kStaplers);
-  PopulateFeaturePopup(bundle, panel->holePunchPopup, "NoHolePunch", kPunches);
+  BuildFinishingControls(panel);
 
   if (pane && !panel->panelHandlerRef)
     panel->panelHandlerRef = pane->installHandler(kPanelEvents, dialogHostPaperOutputEventHandler, panel);

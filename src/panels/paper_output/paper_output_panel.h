@@ -14,6 +14,7 @@
 #include "host/dialog_host.h"
 #include "model/special_pages.h"
 #include "model/stock.h"
+#include "panels/paper_output/coil_binding_dialog.h"
 #include "platform/bundle/bundle.h"
 #include "platform/plist/value.h"
 #include "platform/toolkit/control.h"
@@ -62,6 +63,10 @@ inline constexpr std::int32_t kSecurePrintJob = 6;
 inline constexpr std::int32_t kDelayedPrintJob = 7;
 inline constexpr std::int32_t kSampleSetJob = 8;
 
+inline constexpr int kSquareFoldPossible = 0;
+inline constexpr int kSquareFoldChosen = 1;
+inline constexpr int kTrimChosen = 2;
+
 inline constexpr std::int32_t kBookletOn = 1;
 inline constexpr std::int32_t kBookletOff = 2;
 inline constexpr std::int32_t kLongEdgeDuplex = 2;
@@ -76,6 +81,8 @@ struct PaperOutputContext {
   std::uint8_t duplexCapable = 0;  // nothing about two-sided printing is written without it
   std::int32_t jobType = kNormalPrintJob;
   std::int32_t orientation = 1;  // 1 portrait, 2 landscape, 3 and 4 reversed
+  // Square folding: possible (installed, and the stock can take it), chosen, and trimming
+  // of the outer edge chosen; see kSquareFoldPossible and the next two.
   std::uint8_t finishingDialogFlags[3] = {};
   std::int32_t separatorOption = 1;
   std::unique_ptr<model::Stock> separatorStock;
@@ -144,11 +151,21 @@ struct PaperOutputContext {
   std::int32_t offsetPagesPerSubset = 1;
   std::int32_t slipSheet = 0;
   std::string customFinishing;
+  // What Open found installed, and whether any staple is chosen.
+  std::uint8_t stapleInstalled = 0;
+  std::uint8_t punchInstalled = 0;
+  std::uint8_t bookletMaker = 0;
+  std::uint8_t stapleChosen = 0;
+  std::int32_t coilSelected = 0;  // cleared when the stock cannot be coil bound
+  CoilBinding coil;
+  std::int32_t trimWidth = 50;  // tenths of a millimetre
 
   // Two-sided printing.
   std::int32_t duplex = 1;
   std::int32_t duplexPopupValue = 1;
   std::int32_t duplexCode = 0;
+  // What two-sided printing goes back to when booklet layout is turned off.
+  std::int32_t rememberedDuplex = 1;
 
   std::int32_t outputBin = 1;  // "Auto"
 

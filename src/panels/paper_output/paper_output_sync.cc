@@ -6,7 +6,9 @@
 
 #include "model/covers_sync.h"
 #include "model/separators.h"
+#include "panels/paper_output/finishing_menu.h"
 #include "panels/paper_output/paper_output_panel.h"
+#include "vocabulary/installable_options.h"
 #include "platform/print/framework_keys.h"
 #include "platform/print/ticket.h"
 #include "ui/panel_ui.h"
@@ -49,6 +51,10 @@ constexpr const char* kPagesPerSubsetKey = "com.varno.print.FinishingOffsetPages
 constexpr const char* kSlipSheetKey = "com.varno.print.FinishingSlipSheet";
 constexpr const char* kBindValueKey = "com.varno.print.FinishingBindValue";
 constexpr const char* kFinishingCustomKey = "com.varno.print.FinishingCustom";
+constexpr const char* kCoilBindingKey = "com.varno.print.FinishingCoilBinding";
+constexpr const char* kSquareFoldKey = "com.varno.print.BookletSquareFold";
+constexpr const char* kTrimOuterEdgeKey = "com.varno.print.BookletTrimOuterEdge";
+constexpr const char* kTrimWidthKey = "com.varno.print.BookletTrimWidth";
 constexpr const char* kSpecialPageKeys[] = {
     "com.varno.print.SpecialPages.InsertList", "com.varno.print.SpecialPages.ExceptionList",
     "com.varno.print.SpecialPages.FrontCover", "com.varno.print.SpecialPages.BackCover"};
@@ -156,6 +162,37 @@ void WriteStaples(const PaperOutputContext* panel, print::Ticket& ticket) {
   PPDSetCurrentChoice(&ticket, "StapleLocation", adjusted.c_str());
 }
 
+// The coil binding punch's and the square fold and trimmer unit's choices.
+void WriteFinisherUnits(const PaperOutputContext* panel, Writes& writes) {
+  if (panel->finishingOptions == kCoilFinishing && panel->coilSelected) {
+    const CoilBinding& coil = panel->coil;
+    writes.set(kCoilBindingKey, plist::Value(plist::Dictionary{{"Edge", plist::Value(coil.edge)},
+                                                               {"Pitch", plist::Value(coil.pitch)},
+                                                               {"Margin", plist::Value(coil.margin)}}));
+  } else if (writes.ticket.contains(kCoilBindingKey)) {
+    writes.ticket.releaseItem(kCoilBindingKey);
+  }
+  if (!vocabulary::getInstalledFeature("SquareFoldTrimmerKey")) return;
+  const std::uint8_t* flags = panel->finishingDialogFlags;
+  writes.set(kSquareFoldKey, plist::Value(flags[kSquareFoldChosen] != 0));
+  writes.set(kTrimOuterEdgeKey, plist::Value(flags[kTrimChosen] != 0));
+  writes.set(kTrimWidthKey, plist::Value(panel->trimWidth));
+}
+
+void ReadFinisherUnits(PaperOutputContext* panel, const print::Ticket& ticket) {
+  panel->coilSelected = 0;
+  if (std::optional<plist::Dictionary> coil = ticket.dictionary(kCoilBindingKey)) {
+    panel->coil.edge = coil->getNumber<std::int32_t>("Edge").value_or(1);
+    panel->coil.pitch = coil->getNumber<std::int32_t>("Pitch").value_or(1);
+    panel->coil.margin = coil->getNumber<std::int32_t>("Margin").value_or(panel->coil.margin);
+    panel->coilSelected = panel->finishingOptions == kCoilFinishing ? 1 : 0;
+  }
+  std::uint8_t* flags = panel->finishingDialogFlags;
+  flags[kSquareFoldChosen] = ticket.boolean(kSquareFoldKey).value_or(false) ? 1 : 0;
+  flags[kTrimChosen] = ticket.boolean(kTrimOuterEdgeKey).value_or(false) ? 1 : 0;
+  panel->trimWidth = ticket.number<std::int32_t>(kTrimWidthKey).value_or(panel->trimWidth);
+}
+
 // The popups, icons and summary from the context, once the panel is open.
 void RestoreControls(PaperOutputContext* panel) {
   if (!panel->opened) return;
@@ -177,6 +214,9 @@ void RestoreControls(PaperOutputContext* panel) {
   }
   if (panel->twoSidedIcon) panel->twoSidedIcon->draw();
   ShowPaperSummary(panel);
+  // A ticket may bring a coil or square fold that its own paper cannot take.
+  CheckFinisherAgainstStock(panel);
+  FinishingChanged(panel);
 }
 
 }  // namespace
@@ -242,6 +282,7 @@ OSStatus SyncPaperOutputToTicket(PaperOutputContext* panel, print::Ticket& ticke
   WriteStaples(panel, ticket);
   writes.set(kBindValueKey, plist::Value(panel->bindValue));
   writes.set(kFinishingCustomKey, plist::Value(panel->customFinishing));
+  WriteFinisherUnits(panel, writes);
   model::SyncCovers(ticket, false, panel->frontCover, panel->backCover);
   return writes.first;
 }
@@ -312,10 +353,12 @@ OSStatus SyncPaperOutputFromTicket(PaperOutputContext* panel, const print::Ticke
   }
   ReadStaples(panel, ticket);
   panel->customFinishing = ticket.string(kFinishingCustomKey).value_or("");
+  ReadFinisherUnits(panel, ticket);
   bool specialPages = false;
   for (const char* key : kSpecialPageKeys) specialPages = specialPages || ticket.contains(key);
   // Pads are glued at one edge, which pages of another stock would break.
   if (specialPages) panel->padPrinting = 0;
+  EnableFinishingItems(panel, kPadPrintingCommand, !specialPages);
 
   print::Ticket writable = ticket;
   model::SyncCovers(writable, true, panel->frontCover, panel->backCover);
