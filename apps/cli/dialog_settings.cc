@@ -7,7 +7,9 @@
 #include "host/dialog_host.h"
 #include "panels/image_options/advanced_panel.h"
 #include "panels/image_options/image_options_panel.h"
+#include "panels/paper_output/finishing_menu.h"
 #include "panels/paper_output/paper_output_panel.h"
+#include "finishing_dialogs.h"
 #include "paper_dialogs.h"
 #include "platform/plist/text.h"
 #include "platform/status_text.h"
@@ -25,7 +27,29 @@ constexpr NamedChoice kJobTypes[] = {{"normal", 1}, {"secure", 6},  {"sample", 8
                                      {"delayed", 7}, {"mailbox", 3}, {"fax", 5}};
 constexpr NamedChoice kTwoSided[] = {{"one", 1}, {"long", 2}, {"short", 3}};
 
-const std::array<SettingOption, 16> kSettingOptions{{
+constexpr std::int32_t Command(toolkit::MenuCommand command) { return static_cast<std::int32_t>(command); }
+constexpr NamedChoice kStaples[] = {{"none", Command(panels::kNoStapleCommand)},
+                                    {"single", Command(panels::kSingleStapleCommand)},
+                                    {"dual", Command(panels::kDualStapleCommand)},
+                                    {"multiple", Command(panels::kMultipleStapleCommand)}};
+constexpr NamedChoice kPunches[] = {{"none", Command(panels::kNoPunchCommand)},
+                                    {"2", Command(panels::kDualPunchCommand)},
+                                    {"3", Command(panels::kTriplePunchCommand)},
+                                    {"4", Command(panels::kQuadruplePunchCommand)},
+                                    {"generic", Command(panels::kGenericPunchCommand)}};
+constexpr NamedChoice kFolds[] = {{"none", Command(panels::kNoFoldCommand)},
+                                  {"c", Command(panels::kCFoldCommand)},
+                                  {"z", Command(panels::kZFoldCommand)},
+                                  {"z-half", Command(panels::kZFoldHalfSheetCommand)},
+                                  {"bi", Command(panels::kBiFoldCommand)}};
+constexpr toolkit::ControlID kFinishingMenuButton{kPaperOutputSignature, panels::kFinishingMenuButtonID};
+// Where finishing choices may be: a booklet maker's one menu, or the two pop-ups.
+constexpr toolkit::ControlID kFinishingControls[] = {
+    kFinishingMenuButton,
+    {kPaperOutputSignature, panels::kStaplePopupID},
+    {kPaperOutputSignature, panels::kHolePunchPopupID}};
+
+const std::array<SettingOption, 22> kSettingOptions{{
     {"image-quality", "Image quality", {panels::kImageOptionsSignature, panels::kImageQualityPopupID},
      "VNOutputMode"},
     {"toner-saver", "Toner saver", {panels::kImageOptionsSignature, panels::kTonerSaverCheckBoxID},
@@ -59,6 +83,18 @@ const std::array<SettingOption, 16> kSettingOptions{{
      nullptr, SettingKind::Dialog, {}, panels::kSeparatorsCommand},
     {"covers", "Covers", {kPaperOutputSignature, panels::kStockMenuButtonID}, nullptr,
      SettingKind::Dialog, {}, panels::kCoversCommand},
+    {"staple", "Staples", kFinishingMenuButton, nullptr, SettingKind::FinishingMenu, kStaples, 0,
+     "this printer has no stapler installed"},
+    {"punch", "Hole punch", kFinishingMenuButton, nullptr, SettingKind::FinishingMenu, kPunches, 0,
+     "this printer has no hole punch installed"},
+    {"fold", "Fold", kFinishingMenuButton, nullptr, SettingKind::FinishingMenu, kFolds, 0,
+     "this printer has no folding unit installed"},
+    {"booklet", "Booklet creation", kFinishingMenuButton, nullptr, SettingKind::Dialog, {},
+     panels::kBookletCreationCommand, "this printer has no booklet maker installed"},
+    {"offset", "Offset/subset", kFinishingMenuButton, nullptr, SettingKind::Dialog, {},
+     panels::kOffsetCommand, "this printer's finisher cannot offset sets"},
+    {"custom-finishing", "Custom finishing", kFinishingMenuButton, nullptr, SettingKind::Dialog, {},
+     panels::kCustomCommand, "this printer has no finisher to take a custom instruction"},
 }};
 
 const std::array<SettingChoice, 2> kCheckBoxChoices{{{"on", "on"}, {"off", "off"}}};
@@ -120,7 +156,33 @@ std::optional<SettingState> DialogSettings::state(const SettingOption& option,
     return state;
   }
   if (option.kind == SettingKind::Dialog) {
+    if (IsFinishingDialog(option)) {
+      if (!control->menu() || !ItemWithCommand(*control->menu(), option.command)) {
+        if (error) *error = "--" + std::string(option.name) + ": " + option.unavailable;
+        return std::nullopt;
+      }
+      state.choices.push_back({FinishingDialogSyntax(option), FinishingDialogSyntax(option)});
+      return state;
+    }
     state.choices.push_back({PaperDialogSyntax(option), PaperDialogSyntax(option)});
+    return state;
+  }
+  if (option.kind == SettingKind::FinishingMenu) {
+    Control* holder = finishingControl(option);
+    if (!holder) {
+      if (error) *error = "--" + std::string(option.name) + ": " + option.unavailable;
+      return std::nullopt;
+    }
+    const toolkit::Menu& menu = *holder->menu();
+    for (const NamedChoice& word : option.words) {
+      const toolkit::MenuItemIndex item = ItemWithCommand(menu, static_cast<toolkit::MenuCommand>(word.value));
+      if (!item) continue;
+      state.choices.push_back({word.word, menu.item(item)->text});
+      const bool chosen = holder->kind() == toolkit::ControlKind::PopupButton
+                              ? holder->value() == item
+                              : menu.item(item)->checked;
+      if (chosen) state.current = state.choices.size() - 1;
+    }
     return state;
   }
   const toolkit::Menu* menu = control->menu();
@@ -151,6 +213,17 @@ std::optional<SettingState> DialogSettings::state(const SettingOption& option,
   return menuState(option, *menu, control->value());
 }
 
+Control* DialogSettings::finishingControl(const SettingOption& option) const {
+  for (toolkit::ControlID id : kFinishingControls) {
+    Control* control = window_.findByID(id);
+    if (!control || !control->menu() || !control->isVisible() || !control->isEnabled()) continue;
+    for (const NamedChoice& word : option.words)
+      if (ItemWithCommand(*control->menu(), static_cast<toolkit::MenuCommand>(word.value)))
+        return control;
+  }
+  return nullptr;
+}
+
 bool DialogSettings::showPanelOf(Control& control, std::string* error) {
   Control* pane = control.parent();
   while (pane && pane->id().signature != host::kPanelPaneSignature) pane = pane->parent();
@@ -168,10 +241,15 @@ bool DialogSettings::showPanelOf(Control& control, std::string* error) {
 ApplyResult DialogSettings::apply(const SettingOption& option, std::string_view value,
                                   std::string* error) {
   std::optional<SettingState> offered = state(option, error);
-  if (!offered) return ApplyResult::Failed;
-  Control* control = find(option, error);
+  // What the printer's finisher lacks is a wrong choice for this printer.
+  if (!offered)
+    return option.kind == SettingKind::FinishingMenu || IsFinishingDialog(option) ? ApplyResult::UnknownChoice
+                                                                                 : ApplyResult::Failed;
+  Control* control = option.kind == SettingKind::FinishingMenu ? finishingControl(option) : find(option, error);
   if (!showPanelOf(*control, error)) return ApplyResult::Failed;
-  if (option.kind == SettingKind::Dialog) return ApplyPaperDialog(*control, option, ppd_, value, error);
+  if (option.kind == SettingKind::Dialog)
+    return IsFinishingDialog(option) ? ApplyFinishingDialog(*control, option, ppd_, value, error)
+                                     : ApplyPaperDialog(*control, option, ppd_, value, error);
 
   std::optional<std::size_t> chosen;
   for (std::size_t i = 0; i < offered->choices.size() && !chosen; ++i) {
@@ -210,6 +288,23 @@ ApplyResult DialogSettings::apply(const SettingOption& option, std::string_view 
       status = toolkit::ChooseSubmenuItem(*control, ItemWithCommand(*control->menu(), option.command),
                                           static_cast<toolkit::MenuItemIndex>(*chosen + 1));
       break;
+    case SettingKind::FinishingMenu: {
+      for (const NamedChoice& word : option.words) {
+        if (!plist::EqualCaseInsensitive(offered->choices[*chosen].keyword, word.word)) continue;
+        const toolkit::MenuItemIndex item =
+            ItemWithCommand(*control->menu(), static_cast<toolkit::MenuCommand>(word.value));
+        if (!control->menu()->item(item)->enabled) {
+          if (error)
+            *error = "--" + std::string(option.name) + " " + word.word +
+                     ": the printer cannot do this with the job's other choices (its PPD's "
+                     "constraints forbid it, for example for this paper type or with booklet "
+                     "layout); change those first";
+          return ApplyResult::Failed;
+        }
+        status = toolkit::ChooseMenuItem(*control, item);
+      }
+      break;
+    }
     case SettingKind::Dialog:
       break;
   }

@@ -26,7 +26,10 @@ enum class SettingKind {
   CheckBox,      // on|off
   NamedPopup,    // a pop-up whose items are named by `words` (item reference values)
   StockSubmenu,  // a submenu of the paper menu button, whose item `command` holds it
-  Dialog,        // a menu item (`command`) whose dialog paper_dialogs.h fills in
+  Dialog,        // a menu item (`command`) whose dialog paper_dialogs.h or
+                 // finishing_dialogs.h fills in
+  FinishingMenu, // an item of the finishing menu or the staple or punch pop-up, whose
+                 // command `words` name (the words' values are the commands)
 };
 
 // A word the command line takes for the item whose reference value is `value`.
@@ -81,6 +84,8 @@ class DialogSettings {
   std::optional<SettingState> menuState(const SettingOption& option, const toolkit::Menu& menu,
                                         std::int32_t chosenItem) const;
   bool showPanelOf(toolkit::Control& control, std::string* error);
+  // The control whose menu holds the finishing choices of `option`, or null.
+  toolkit::Control* finishingControl(const SettingOption& option) const;
 
   toolkit::Window& window_;
   const PPDDefaults& ppd_;

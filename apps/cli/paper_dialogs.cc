@@ -33,60 +33,10 @@ struct Unit {
 };
 constexpr Unit kUnits[] = {{"pt", 1}, {"mm", 2}, {"in", 3}};
 
-std::vector<std::string_view> Split(std::string_view text, char separator) {
-  std::vector<std::string_view> parts;
-  for (std::size_t start = 0;;) {
-    const std::size_t end = text.find(separator, start);
-    parts.push_back(text.substr(start, end == std::string_view::npos ? end : end - start));
-    if (end == std::string_view::npos) return parts;
-    start = end + 1;
-  }
-}
-
 bool IsNumber(std::string_view text) {
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc() && end == text.data() + text.size() && number > 0;
-}
-
-// Empties the field as a person does, with backspaces from the end, then types `text`.
-void ScriptRetype(toolkit::AutomationScript& script, toolkit::ControlID field, std::string text) {
-  script.add("clear the field", [field](toolkit::Window& window) {
-    Control* control = window.findByID(field);
-    if (!control) return errUnknownControl;
-    if (OSStatus status = toolkit::SetFocus(*control)) return status;
-    for (std::size_t i = control->text().size(); i > 0; --i)
-      toolkit::PressKey(window, toolkit::kBackspaceCharCode);
-    return noErr;
-  });
-  script.typeText(field, std::move(text));
-}
-
-// Chooses `subitem` of the submenu held by the item with `command`, then drops whatever
-// the dialog left of the script; the new notice, if the dialog showed one, is its reason.
-ApplyResult ChooseAndRunDialog(Control& button, toolkit::MenuCommand command,
-                               toolkit::MenuItemIndex subitem, const SettingOption& option,
-                               std::string* error) {
-  toolkit::AutomationScript& script = toolkit::Application::shared().script();
-  const std::size_t noticesBefore = toolkit::HeadlessAlerts().notices().size();
-  const toolkit::MenuItemIndex item = ItemWithCommand(*button.menu(), command);
-  const OSStatus status = subitem ? toolkit::ChooseSubmenuItem(button, item, subitem)
-                                  : toolkit::ChooseMenuItem(button, item);
-  const std::vector<std::string> failures = script.failures();
-  script.clear();
-  const auto& notices = toolkit::HeadlessAlerts().notices();
-  if (notices.size() > noticesBefore) {
-    const toolkit::NoticeRequest& notice = notices.back();
-    if (error) *error = "--" + std::string(option.name) + ": " + notice.header + ". " + notice.message;
-    return ApplyResult::Failed;
-  }
-  if (status != noErr || !failures.empty()) {
-    if (error)
-      *error = "--" + std::string(option.name) + ": the dialog refused the choice: " +
-               (status != noErr ? StatusMessage(status) : failures.front());
-    return ApplyResult::Failed;
-  }
-  return ApplyResult::Applied;
 }
 
 ApplyResult ApplyCustomSize(Control& button, const SettingOption& option, std::string_view value,
@@ -122,23 +72,6 @@ ApplyResult ApplyCustomSize(Control& button, const SettingOption& option, std::s
   // Reached only when the dialog stayed open after OK: it refused the size.
   script.sendCommand(toolkit::kHICommandCancel);
   return ChooseAndRunDialog(button, ui::kStockSizeCommand, custom, option, error);
-}
-
-// The text the printer shows for `word`, a choice keyword or text of `keyword`; nullopt,
-// with the choices in `error`, when it has no such choice.
-std::optional<std::string> ChoiceText(const PPDDefaults& ppd, const char* keyword, std::string_view word,
-                                      const std::string& what, std::string* error) {
-  const std::vector<PPDChoice>* choices = ppd.choicesOf(keyword);
-  std::string listed;
-  for (const PPDChoice& choice : choices ? *choices : std::vector<PPDChoice>{}) {
-    if (plist::EqualCaseInsensitive(word, choice.keyword) || plist::EqualCaseInsensitive(word, choice.text))
-      return choice.text;
-    listed += (listed.empty() ? "" : ", ") + choice.keyword;
-  }
-  if (error)
-    *error = what + ": the printer has no choice \"" + std::string(word) + "\"" +
-             (listed.empty() ? std::string() : "; the choices are: " + listed);
-  return std::nullopt;
 }
 
 // The reference value of `word` in `words`, or nullopt.
@@ -264,6 +197,68 @@ ApplyResult ApplyCovers(Control& button, const SettingOption& option, const PPDD
 }
 
 }  // namespace
+
+std::vector<std::string_view> Split(std::string_view text, char separator) {
+  std::vector<std::string_view> parts;
+  for (std::size_t start = 0;;) {
+    const std::size_t end = text.find(separator, start);
+    parts.push_back(text.substr(start, end == std::string_view::npos ? end : end - start));
+    if (end == std::string_view::npos) return parts;
+    start = end + 1;
+  }
+}
+
+void ScriptRetype(toolkit::AutomationScript& script, toolkit::ControlID field, std::string text) {
+  script.add("clear the field", [field](toolkit::Window& window) {
+    Control* control = window.findByID(field);
+    if (!control) return errUnknownControl;
+    if (OSStatus status = toolkit::SetFocus(*control)) return status;
+    for (std::size_t i = control->text().size(); i > 0; --i)
+      toolkit::PressKey(window, toolkit::kBackspaceCharCode);
+    return noErr;
+  });
+  script.typeText(field, std::move(text));
+}
+
+ApplyResult ChooseAndRunDialog(Control& button, toolkit::MenuCommand command,
+                               toolkit::MenuItemIndex subitem, const SettingOption& option,
+                               std::string* error) {
+  toolkit::AutomationScript& script = toolkit::Application::shared().script();
+  const std::size_t noticesBefore = toolkit::HeadlessAlerts().notices().size();
+  const toolkit::MenuItemIndex item = ItemWithCommand(*button.menu(), command);
+  const OSStatus status = subitem ? toolkit::ChooseSubmenuItem(button, item, subitem)
+                                  : toolkit::ChooseMenuItem(button, item);
+  const std::vector<std::string> failures = script.failures();
+  script.clear();
+  const auto& notices = toolkit::HeadlessAlerts().notices();
+  if (notices.size() > noticesBefore) {
+    const toolkit::NoticeRequest& notice = notices.back();
+    if (error) *error = "--" + std::string(option.name) + ": " + notice.header + ". " + notice.message;
+    return ApplyResult::Failed;
+  }
+  if (status != noErr || !failures.empty()) {
+    if (error)
+      *error = "--" + std::string(option.name) + ": the dialog refused the choice: " +
+               (status != noErr ? StatusMessage(status) : failures.front());
+    return ApplyResult::Failed;
+  }
+  return ApplyResult::Applied;
+}
+
+std::optional<std::string> ChoiceText(const PPDDefaults& ppd, const char* keyword, std::string_view word,
+                                      const std::string& what, std::string* error) {
+  const std::vector<PPDChoice>* choices = ppd.choicesOf(keyword);
+  std::string listed;
+  for (const PPDChoice& choice : choices ? *choices : std::vector<PPDChoice>{}) {
+    if (plist::EqualCaseInsensitive(word, choice.keyword) || plist::EqualCaseInsensitive(word, choice.text))
+      return choice.text;
+    listed += (listed.empty() ? "" : ", ") + choice.keyword;
+  }
+  if (error)
+    *error = what + ": the printer has no choice \"" + std::string(word) + "\"" +
+             (listed.empty() ? std::string() : "; the choices are: " + listed);
+  return std::nullopt;
+}
 
 toolkit::MenuItemIndex ItemWithCommand(const toolkit::Menu& menu, toolkit::MenuCommand command) {
   for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i)

@@ -4,10 +4,13 @@
 // menu item is chosen, and the dialog is filled in and confirmed by script.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "dialog_settings.h"
+#include "platform/toolkit/automation_script.h"
 #include "platform/toolkit/menu.h"
 
 namespace varno::cli {
@@ -21,5 +24,21 @@ ApplyResult ApplyPaperDialog(toolkit::Control& menuButton, const SettingOption& 
                              const PPDDefaults& ppd, std::string_view value, std::string* error);
 // The item of `menu` whose command is `command`, or 0.
 toolkit::MenuItemIndex ItemWithCommand(const toolkit::Menu& menu, toolkit::MenuCommand command);
+
+// Chooses the item with `command` of `button`'s menu (`subitem` of its submenu when not 0),
+// which opens a dialog that the script queued before fills in. Failed, with the dialog's
+// notice or the step that could not be taken, when the dialog refused.
+ApplyResult ChooseAndRunDialog(toolkit::Control& button, toolkit::MenuCommand command,
+                               toolkit::MenuItemIndex subitem, const SettingOption& option,
+                               std::string* error);
+// A script step that empties `field` as a person does, with backspaces, then types `text`.
+void ScriptRetype(toolkit::AutomationScript& script, toolkit::ControlID field, std::string text);
+// `text` split at every `separator`.
+std::vector<std::string_view> Split(std::string_view text, char separator);
+// The text the printer shows for `word`, a choice keyword or text of PPD option
+// `keyword`; nullopt, with the choices in `error`, when it has no such choice.
+std::optional<std::string> ChoiceText(const PPDDefaults& ppd, const char* keyword,
+                                      std::string_view word, const std::string& what,
+                                      std::string* error);
 
 }  // namespace varno::cli

@@ -156,15 +156,16 @@ bool StartsFromDefaults(const Options& options) {
          !options.ticket && !options.session && !options.saveDefaults;
 }
 
-// The paper summary as the Paper/Output panel shows it: its label, then one line a part.
-std::string PaperSummaryText(toolkit::Window& window) {
-  const toolkit::Control* label = window.findByID({panels::kPaperOutputSignature, panels::kPaperSummaryLabelID});
-  const toolkit::Control* view = window.findByID({panels::kPaperOutputSignature, panels::kStockSummaryViewID});
-  if (!label || !view) return {};
+// A summary of the Paper/Output panel as it shows it: its label, then one line a part;
+// empty when the panel shows nothing there.
+std::string PanelSummaryText(toolkit::Window& window, std::int32_t labelID, std::int32_t viewID) {
+  const toolkit::Control* label = window.findByID({panels::kPaperOutputSignature, labelID});
+  const toolkit::Control* view = window.findByID({panels::kPaperOutputSignature, viewID});
+  if (!label || !view || view->text().empty()) return {};
   std::string text = label->text() + "\n";
-  for (std::size_t start = 0; start <= view->text().size();) {
+  for (std::size_t start = 0; start < view->text().size();) {
     const std::size_t end = std::min(view->text().find('\n', start), view->text().size());
-    text += "  " + view->text().substr(start, end - start) + "\n";
+    if (end > start) text += "  " + view->text().substr(start, end - start) + "\n";
     start = end + 1;
   }
   return text;
@@ -173,7 +174,9 @@ std::string PaperSummaryText(toolkit::Window& window) {
 std::string SummaryText(print::FrameworkDriver& driver, toolkit::Window& window) {
   plist::Array titles, values;
   if (driver.getSummaryText(titles, values) != noErr) return {};
-  std::string text = PaperSummaryText(window);
+  std::string text =
+      PanelSummaryText(window, panels::kPaperSummaryLabelID, panels::kStockSummaryViewID) +
+      PanelSummaryText(window, panels::kFinishingLabelID, panels::kFinishingSummaryViewID);
   for (std::size_t i = 0; i < titles.size(); ++i) {
     const std::string* title = titles[i].asString();
     const std::string* value = i < values.size() ? values[i].asString() : nullptr;

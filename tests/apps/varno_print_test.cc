@@ -148,6 +148,8 @@ TEST(VarnoPrint, TakesTheCommandLineAsLpUsersWriteIt) {
 }
 
 // Usage errors exit 2; a file or plug-in that cannot be used exits 1, naming it.
+const std::string kFolder = "--ppd '" VARNO_TEST_DATA_DIR "/ppd/Varno-BookletFolder.ppd'";
+
 TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
   TempDir dir;
   const std::string junk = dir.write("junk.ppd", "*PPD-Adobe: \"4.3\"\nthis is no PPD\n").string();
@@ -177,6 +179,14 @@ TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
                {"--covers front:A9", 2, "no choice \"A9\"; the choices are: Letter"},
                {"--covers both::sideways", 2, "no printed sides \"sideways\""},
                {"--job-type secure", 1, "Invalid Secure Print Passcode: A secure print job needs"},
+               {"--staple multiple", 2, "no choice \"multiple\"; the choices are: none (\"No Staple\"), single"},
+               {"--fold c", 2, "--fold: this printer has no folding unit installed"},
+               {"--booklet fold", 2, "--booklet: this printer has no booklet maker installed"},
+               {kFolder + " --booklet fold,outlines", 2, "outlines are drawn around imposed pages: add layout"},
+               {kFolder + " --booklet fold,layout,gutter=300", 2, "the gutter is 0 to 216 points"},
+               {kFolder + " --paper-type Transparency --fold c", 1, "--fold c: the printer cannot do this with"},
+               {"--offset sets,subset=5", 2, "only subsets and sets-and-subsets take subset=N"},
+               {"--custom-finishing 'Tape-bind the left edge of each set'", 2, "has 35 characters; the printer takes at most 30"},
                {"--ppd '" + (dir / "none.ppd").string() + "'", 1, "none.ppd"},
                {"--ppd '" + junk + "'", 1, "junk.ppd"},
                {"--session '" + damaged + "'", 1, "damaged.session"},
@@ -196,7 +206,8 @@ TEST(VarnoPrint, PaperOptionsAreMadeInThePaperOutputPanel) {
   ProgramRun run = VarnoPrint("--paper-type Transparency --separators printed:Tray2 --summary "
                               "--save-ticket '" + saved + "'", dir);
   ASSERT_EQ(run.status, 0) << run.all;
-  EXPECT_EQ(run.out, "Paper:\n  - Clear\n  - Transparency\n  - Separators: Tray 2\n");
+  EXPECT_EQ(run.out, "Paper:\n  - Clear\n  - Transparency\n  - Separators: Tray 2\n"
+                     "Finishing:\n  - No Staple\n  - No Hole Punch\n");
   std::string error;
   std::optional<print::Ticket> ticket = print::Ticket::load(saved, &error);
   ASSERT_TRUE(ticket) << error;
@@ -256,6 +267,59 @@ TEST(VarnoPrint, PaperOptionsAreMadeInThePaperOutputPanel) {
   const plist::Dictionary custom = ticket->dictionary("com.varno.print.JobLevelStock").value_or(plist::Dictionary{});
   EXPECT_EQ(custom.getNumber<int>("Width"), 595);
   EXPECT_EQ(custom.getNumber<int>("Length"), 842);
+}
+
+// Finishing choices are made in the order given, as menu choices, so each one's rules
+// decide what the earlier ones leave.
+TEST(VarnoPrint, FinishingOptionsAreMenuChoicesInCommandLineOrder) {
+  TempDir dir;
+  const struct {
+    std::string arguments;
+    const char* staple;
+    const char* punch;
+    int options;
+    const char* summary;
+  } cases[] = {
+      {"--punch 3 --staple multiple", "MultipleStaples", "None", 53,
+       "Finishing:\n  - Multiple Staples\n  - No Hole Punch\n  - No Fold\n"},
+      {"--staple multiple --punch 3", "None", "3HolePunch", 30,
+       "Finishing:\n  - No Staple\n  - 3-Hole Punch\n  - No Fold\n"},
+      {"--booklet fold-staple,layout", "None", "None", 24,
+       "Finishing:\n  - Booklet Crease and Staple\n  - Booklet Layout\n"},
+  };
+  const std::string saved = (dir / "finishing.plist").string();
+  for (const auto& c : cases) {
+    ProgramRun run = VarnoPrint(kFolder + " " + c.arguments + " --summary --save-ticket '" + saved + "'", dir);
+    ASSERT_EQ(run.status, 0) << run.all;
+    EXPECT_NE(run.out.find(c.summary), std::string::npos) << run.out;
+    std::string error;
+    std::optional<print::Ticket> ticket = print::Ticket::load(saved, &error);
+    ASSERT_TRUE(ticket) << error;
+    EXPECT_EQ(ticket->ppdDictionary().getString("StapleLocation"), c.staple) << c.arguments;
+    EXPECT_EQ(ticket->ppdDictionary().getString("VNPunch").value_or("None"), c.punch) << c.arguments;
+    EXPECT_EQ(ticket->number<int>("com.varno.print.FinishingOptions"), c.options) << c.arguments;
+  }
+  std::string error;
+  std::optional<print::Ticket> booklet = print::Ticket::load(saved, &error);
+  ASSERT_TRUE(booklet) << error;
+  EXPECT_EQ(booklet->boolean("com.varno.print.BookletLayout"), true);
+  EXPECT_EQ(booklet->number<int>("com.varno.print.FinishingDuplex"), 3);
+  EXPECT_EQ(booklet->number<int>("com.apple.print.PrintSettings.PMDuplexing"), 3);
+  EXPECT_EQ(booklet->ppdDictionary().getString("VNFold"), "BiFoldStaple");
+
+  ProgramRun run = VarnoPrint(kFolder + " --booklet fold,layout,outlines,gutter=36,creep=1.5,size=A4 "
+                              "--offset subsets,subset=5 --custom-finishing 'Tape bind'", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  std::optional<print::Ticket> ticket = PrintedTicket(run);
+  ASSERT_TRUE(ticket);
+  EXPECT_EQ(ticket->number<int>("com.varno.print.Gutter"), 36);
+  EXPECT_EQ(ticket->number<int>("com.varno.print.Creep"), 15);
+  EXPECT_EQ(ticket->number<int>("com.varno.print.BookletDrawOutlines"), 2);
+  EXPECT_EQ(ticket->dictionary("com.varno.print.JobLevelStock")->getNumber<int>("Size"), 4);  // A4
+  EXPECT_EQ(ticket->number<int>("com.varno.print.FinishingOffset"), 4);
+  EXPECT_EQ(ticket->number<int>("com.varno.print.FinishingOffsetPagesPerSubset"), 5);
+  EXPECT_EQ(ticket->number<int>("com.varno.print.FinishingOptions"), 22);
+  EXPECT_EQ(ticket->string("com.varno.print.FinishingCustom"), "Tape bind");
 }
 
 }  // namespace

@@ -318,6 +318,8 @@ void BuildFinishingControls(PaperOutputContext* panel) {
   Control* button = panel->finishingMenuButton;
   if (booklet) {
     if (button) button->setMenu(BookletMakerMenu(panel));
+    // Booklet creation lives in this menu, so the menu is what a booklet is made with.
+    panel->bookletControl = button;
   } else {
     FillPopup(panel, panel->staplePopup, true);
     FillPopup(panel, panel->holePunchPopup, false);

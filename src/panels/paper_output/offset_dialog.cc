@@ -23,14 +23,6 @@ namespace {
 
 using toolkit::Control;
 
-constexpr OffsetChoice kOffsetChoices[] = {
-    {kOffsetPrinterDefault, "default", "PrinterDefault"},
-    {kOffsetNone, "none", "No Offset"},
-    {kOffsetEachSet, "sets", "Offset Each Set"},
-    {kOffsetEachSubset, "subsets", "Offset Each Subset"},
-    {kOffsetSetsAndSubsets, "sets-and-subsets", "Offset Sets and Subsets"},
-};
-
 // One run of the dialog.
 struct OffsetDialog {
   PaperOutputContext* context = nullptr;
@@ -222,8 +214,6 @@ void InitializeOffsetDialog(OffsetDialog& dialog) {
 }
 
 }  // namespace
-
-std::span<const OffsetChoice> OffsetChoices() { return kOffsetChoices; }
 
 OSStatus RunModalOffsetFinishingDialog(PaperOutputContext* context) {
   if (!context || !context->bundle) return paramErr;

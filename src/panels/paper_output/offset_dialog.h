@@ -43,8 +43,15 @@ struct OffsetChoice {
   const char* word;
   const char* labelKey;
 };
-// Every offset value in menu order.
-std::span<const OffsetChoice> OffsetChoices();
+// Every offset value in menu order; here so that programs that load the plug-in name
+// them as its menu does.
+inline constexpr OffsetChoice kOffsetChoices[] = {
+    {kOffsetPrinterDefault, "default", "PrinterDefault"},
+    {kOffsetNone, "none", "No Offset"},
+    {kOffsetEachSet, "sets", "Offset Each Set"},
+    {kOffsetEachSubset, "subsets", "Offset Each Subset"},
+    {kOffsetSetsAndSubsets, "sets-and-subsets", "Offset Sets and Subsets"},
+};
 
 // Runs the window "Offset" on the context's offset, offsetEnableSubset and
 // offsetPagesPerSubset. OK stores the offset and whether subsets are offset and, only
