@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -91,8 +92,28 @@ ApplyResult ApplyBooklet(Control& button, const SettingOption& option, const PPD
     }
   }
   if (outlines && !layout) return Refuse(option, value, "outlines are drawn around imposed pages: add layout", error);
+  // The dialog offers folds and layout only for a job without staples, covers or inserts.
+  bool stapled = false;
+  for (toolkit::MenuCommand staple :
+       {panels::kSingleStapleCommand, panels::kDualStapleCommand, panels::kMultipleStapleCommand})
+    if (const toolkit::MenuItemIndex item = ItemWithCommand(*button.menu(), staple))
+      stapled = stapled || button.menu()->item(item)->checked;
+  const std::string reason =
+      stapled ? "a stapled job is not folded or laid out as a booklet; give --staple none first"
+              : "the job has covers or inserts, which a booklet cannot take; remove them first";
+  auto refused = std::make_shared<bool>(false);
   toolkit::AutomationScript& script = toolkit::Application::shared().script();
   script.clear();
+  script.add("check that the booklet can be made", [refused, finishing, layout](toolkit::Window& window) {
+    for (toolkit::ControlID id : {finishing, layout ? ui::kBookletLayoutRadioID : finishing}) {
+      Control* control = window.findByID(id);
+      if (control && !control->isEnabled()) {
+        *refused = true;
+        return toolkit::SendCommand(window, toolkit::kHICommandCancel);
+      }
+    }
+    return noErr;
+  });
   script.click(finishing);
   // Choosing a fold lays the pages out as a booklet; the command line says so itself.
   script.click(layout ? ui::kBookletLayoutRadioID : ui::kBookletLayoutNoneRadioID);
@@ -111,7 +132,12 @@ ApplyResult ApplyBooklet(Control& button, const SettingOption& option, const PPD
   }
   script.sendCommand(toolkit::kHICommandOK);
   script.sendCommand(toolkit::kHICommandCancel);
-  return ChooseAndRunDialog(button, panels::kBookletCreationCommand, 0, option, error);
+  const ApplyResult result = ChooseAndRunDialog(button, panels::kBookletCreationCommand, 0, option, error);
+  if (*refused) {
+    if (error) *error = "--booklet " + std::string(value) + ": " + reason;
+    return ApplyResult::Failed;
+  }
+  return result;
 }
 
 ApplyResult ApplyOffset(Control& button, const SettingOption& option, std::string_view value,

@@ -185,6 +185,7 @@ TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
                {kFolder + " --booklet fold,outlines", 2, "outlines are drawn around imposed pages: add layout"},
                {kFolder + " --booklet fold,layout,gutter=300", 2, "the gutter is 0 to 216 points"},
                {kFolder + " --paper-type Transparency --fold c", 1, "--fold c: the printer cannot do this with"},
+               {kFolder + " --staple dual --booklet fold", 1, "a stapled job is not folded or laid out as a booklet"},
                {"--offset sets,subset=5", 2, "only subsets and sets-and-subsets take subset=N"},
                {"--custom-finishing 'Tape-bind the left edge of each set'", 2, "has 35 characters; the printer takes at most 30"},
                {"--ppd '" + (dir / "none.ppd").string() + "'", 1, "none.ppd"},

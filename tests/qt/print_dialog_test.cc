@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QProcess>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTimer>
 #include <QToolButton>
 #include <deque>
@@ -99,10 +100,11 @@ void CompareTickets(const print::Ticket& dialog, const print::Ticket& command) {
 
 // Runs varno-print with the same choices; its ticket.
 print::Ticket VarnoPrintTicket(const QString& folder, const QStringList& extra = {"-n", "1"},
-                               const QStringList& choices = kCommandLineChoices) {
+                               const QStringList& choices = kCommandLineChoices,
+                               const QString& ppd = VARNO_SAMPLE_PPD) {
   QProcess process;
   const QString out = folder + "/varno-print.plist";
-  process.start(kVarnoPrint, QStringList{"--ppd", VARNO_SAMPLE_PPD, "--save-ticket", out} +
+  process.start(kVarnoPrint, QStringList{"--ppd", ppd, "--save-ticket", out} +
                                  choices + extra);
   process.waitForFinished(30000);
   if (process.exitCode() != 0) qWarning("%s", process.readAllStandardError().constData());
@@ -174,6 +176,13 @@ void ScriptMenuChoice(Steps& steps, const QStringList& path, const QString& phot
 QWidget* ModalDialog(QWidget* main) {
   QWidget* modal = QApplication::activeModalWidget();
   return modal && modal != main && modal->isVisible() ? modal : nullptr;
+}
+
+// Clicks the push button of `dialog` that reads `text`.
+void ClickButton(QWidget* dialog, const QString& text) {
+  for (QPushButton* b : dialog->findChildren<QPushButton*>())
+    if (b->text() == text && b->isVisible()) return QTest::mouseClick(b, Qt::LeftButton);
+  QFAIL(qPrintable("no button " + text));
 }
 
 // The pop-up of a modal dialog that offers `item`, the `n`th such (0: the first).
@@ -458,6 +467,105 @@ class PrintDialogTest : public QObject {
     CompareTickets(Load(saved), VarnoPrintTicket(folder_.path(), {"-n", "1"},
                                                  {"--paper-type", "Transparency", "--separators",
                                                   "printed:Tray2", "--covers", "both:,Blue,:front"}));
+  }
+
+  // The finishing menu of a booklet maker and its dialogs, with the mouse and the keys; the
+  // ticket is varno-print's for the same choices in the same order.
+  void finishingChoicesGiveVarnoPrintsTicket() {
+    const QString folder = VARNO_TEST_DATA_DIR "/ppd/Varno-BookletFolder.ppd";
+    open({.ppd = folder.toStdString()});
+    auto* finishing =
+        qobject_cast<QToolButton*>(widget({panels::kPaperOutputSignature, panels::kFinishingMenuButtonID}));
+    QVERIFY(finishing && finishing->isVisible());
+    Steps steps;
+    ScriptMenuChoice(steps, {"Offset/Subset…"});
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      ChooseByKeys(PopupOffering(modal, "Offset Each Subset"), "Offset Each Subset");
+      QLineEdit* pages = nullptr;
+      for (QLineEdit* field : modal->findChildren<QLineEdit*>())
+        if (field->isVisible() && field->isEnabled()) pages = field;
+      QVERIFY(pages);
+      pages->setFocus();
+      QTest::keyClick(pages, Qt::Key_Backspace);
+      QTest::keyClicks(pages, "5");
+      Photograph(modal, "dialog-offset");
+      ClickButton(modal, "OK");
+    });
+    QTest::mouseClick(finishing, Qt::LeftButton);
+    QTRY_VERIFY(steps.done());
+
+    ScriptMenuChoice(steps, {"Custom…"});
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      auto* field = modal->findChild<QLineEdit*>();
+      QVERIFY(field);
+      QTest::keyClicks(field, "Tape bind");
+      Photograph(modal, "dialog-custom-finishing");
+      ClickButton(modal, "OK");
+    });
+    QTest::mouseClick(finishing, Qt::LeftButton);
+    QTRY_VERIFY(steps.done());
+
+    // Multiple staples, then holes, which take the staples off again (the booklet maker
+    // folds only unstapled sets).
+    for (const char* item : {"Multiple Staples", "3-Hole Punch"}) {
+      ScriptMenuChoice(steps, {item}, item == QString("3-Hole Punch") ? "menu-finishing" : "");
+      QTest::mouseClick(finishing, Qt::LeftButton);
+      QTRY_VERIFY(steps.done());
+    }
+    toolkit::Control* summary =
+        dialog_->frameWindow().findByID({panels::kPaperOutputSignature, panels::kFinishingSummaryViewID});
+    QCOMPARE(summary->text(), std::string("- No Staple\n- 3-Hole Punch\n- No Fold\n"));
+
+    ScriptMenuChoice(steps, {"Booklet Creation…"});
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      QRadioButton* staple = nullptr;
+      for (QRadioButton* radio : modal->findChildren<QRadioButton*>())
+        if (radio->text() == "Booklet Crease and Staple") staple = radio;
+      QVERIFY(staple);
+      QTest::mouseClick(staple, Qt::LeftButton, {}, QPoint(6, staple->height() / 2));
+      Photograph(modal, "dialog-booklet-creation");
+      ClickButton(modal, "OK");
+    });
+    QTest::mouseClick(finishing, Qt::LeftButton);
+    QTRY_VERIFY(steps.done());
+    QCOMPARE(summary->text(), std::string("- Booklet Crease and Staple\n- Booklet Layout\n"));
+    Photograph(dialog_.get(), "panel-paper-output-finishing");
+
+    const QString saved = saveSettings("finishing.plist");
+    QVERIFY2(QFileInfo::exists(saved), qPrintable(dialog_->statusText()));
+    CompareTickets(Load(saved),
+                   VarnoPrintTicket(folder_.path(), {"-n", "1"},
+                                    {"--offset", "subsets,subset=5", "--custom-finishing", "Tape bind",
+                                     "--staple", "multiple", "--punch", "3", "--booklet", "fold-staple,layout"},
+                                    folder));
+  }
+
+  // Coil binding on a printer with the coil punch: its dialog, and the summary line.
+  void coilBindingDialogIsOnTheMenu() {
+    open({.ppd = VARNO_TEST_DATA_DIR "/ppd/Varno-CoilSquareFold.ppd"});
+    auto* finishing =
+        qobject_cast<QToolButton*>(widget({panels::kPaperOutputSignature, panels::kFinishingMenuButtonID}));
+    QVERIFY(finishing);
+    Steps steps;
+    ScriptMenuChoice(steps, {"Coil Binding…"}, "menu-finishing-coil");
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      ChooseByKeys(PopupOffering(modal, "Top Edge"), "Top Edge");
+      Photograph(modal, "dialog-coil-binding");
+      ClickButton(modal, "OK");
+    });
+    QTest::mouseClick(finishing, Qt::LeftButton);
+    QTRY_VERIFY(steps.done());
+    toolkit::Control* summary =
+        dialog_->frameWindow().findByID({panels::kPaperOutputSignature, panels::kFinishingSummaryViewID});
+    QVERIFY2(summary->text().find("Coil Binding: Top Edge") != std::string::npos, summary->text().c_str());
   }
 
   void helpOpensTheBundlesPages() {

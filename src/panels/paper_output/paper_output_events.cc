@@ -134,7 +134,11 @@ OSStatus PaperOutputDrawEventHandler(toolkit::EventHandlerCallRef, toolkit::Even
   if (picture == panel->jobTypeIcon)
     return ui::DrawImage(panel->bundle, JobTypePictureName(panel->jobType), picture);
   if (picture == panel->twoSidedIcon)
-    return ui::DrawImage(panel->bundle, TwoSidedPictureName(panel->duplexPopupValue), picture);
+    // A booklet is printed two-sided whatever the pop-up held before.
+    return ui::DrawImage(panel->bundle,
+                         TwoSidedPictureName(panel->bookletLayout == kBookletOn ? kLongEdgeDuplex
+                                                                                : panel->duplexPopupValue),
+                         picture);
   return eventNotHandledErr;
 }
 
