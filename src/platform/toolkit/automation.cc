@@ -119,6 +119,21 @@ OSStatus ChooseMenuItemByRefCon(Control& control, URefCon refCon) {
   return item ? ChooseMenuItem(control, item) : menuItemNotFoundErr;
 }
 
+OSStatus SetDateTime(Control& clock, LongDateTime value) {
+  if (clock.kind() != ControlKind::Clock) return paramErr;
+  if (!clock.isReachable()) return errControlHiddenOrDisabled;
+  auto alive = clock.watch();
+  if (Window* window = clock.window()) window->setFocus(&clock);
+  if (alive.expired()) return noErr;
+  Event track = ControlEvent(kEventControlTrack, clock, kControlNoPart);
+  track.set<LongDateTime>(kEventParamDateTime, typeLongDateTime, value);
+  clock.send(track);
+  if (alive.expired()) return noErr;
+  Event hit = ControlEvent(kEventControlHit, clock, kControlNoPart);
+  clock.send(hit);
+  return noErr;
+}
+
 OSStatus SetFocus(Control& control) {
   if (!Traits(control.kind()).takesFocus) return errControlDoesntSupportFocus;
   if (!control.isReachable()) return errControlHiddenOrDisabled;
@@ -250,7 +265,10 @@ plist::Dictionary ReadControlState(Control& control, bool withChildren) {
   if (control.menu()) state.set("Menu", MenuState(*control.menu()));
   if (control.kind() == ControlKind::BevelButton) state.set("MenuValue", control.menuValue());
   if (!control.pictureName().empty()) state.set("Picture", control.pictureName());
-  if (control.kind() == ControlKind::Clock) state.set("DateTime", control.dateTime());
+  if (control.kind() == ControlKind::Clock) {
+    state.set("DateTime", control.dateTime());
+    state.set("TimeOnly", control.isTimeOnly());
+  }
   if (ListView* list = AsListView(&control)) AddListState(*list, state);
   if (withChildren) {
     plist::Array children;

@@ -37,6 +37,12 @@ OSStatus ChooseMenuItemByRefCon(Control& control, URefCon refCon);
 // kEventControlHit carrying the submenu and the item, so the command names the submenu.
 OSStatus ChooseSubmenuItem(Control& control, MenuItemIndex item, MenuItemIndex subitem);
 
+// Sets a clock to `value`, as a person editing it does: the clock takes the focus, then
+// kEventControlTrack carrying the value (kEventParamDateTime; the standard behaviour sets
+// it, so a handler that takes the event keeps the old one) and kEventControlHit (the
+// clock's command). paramErr for a control that is no clock.
+OSStatus SetDateTime(Control& clock, LongDateTime value);
+
 // Moves the keyboard focus into the control, as a click into a field does.
 OSStatus SetFocus(Control& control);
 // Focuses the control, then types `text` one character per event, to whatever holds the
@@ -62,7 +68,7 @@ void AnswerNextAlert(DialogItemIndex button);
 // The control's state as a property-list dictionary: Kind, Signature and ID, Bounds
 // [left, top, width, height], Text, Value, Minimum, Maximum, Visible, Enabled, Active,
 // Reachable, Focused, Command, Menu (items with Text, Command, RefCon, Enabled, Checked,
-// Items), MenuValue, Picture, DateTime; list views add Columns, Rows (cell texts by
+// Items), MenuValue, Picture, DateTime and TimeOnly (clocks); list views add Columns, Rows (cell texts by
 // property) and Selection (row positions in selection order); with `withChildren`,
 // Children. A password field's text shows as one bullet per character, so a state dump
 // never shows a secret.

@@ -55,6 +55,11 @@ void AutomationScript::typeText(ControlID id, std::string text) {
   addForControl(Describe("type into", id), id, [text](Control& c) { return TypeText(c, text); });
 }
 
+void AutomationScript::setDateTime(ControlID id, LongDateTime value) {
+  addForControl(Describe("set the clock", id) + " to " + std::to_string(value), id,
+                [value](Control& c) { return SetDateTime(c, value); });
+}
+
 void AutomationScript::sendCommand(MenuCommand command) {
   add("command '" + OSTypeString(command) + "'",
       [command](Window& window) { return SendCommand(window, command); });

@@ -33,6 +33,7 @@ class AutomationScript final : public EventSource {
   void chooseMenuItemByRefCon(ControlID id, URefCon refCon);
   void setFocus(ControlID id);
   void typeText(ControlID id, std::string text);
+  void setDateTime(ControlID id, LongDateTime value);
   // Queues a command sent to the window.
   void sendCommand(MenuCommand command);
 

@@ -254,6 +254,12 @@ void Control::setDateTime(LongDateTime dateTime) {
   notify(ControlChange::What::DateTime);
 }
 
+void Control::setTimeOnly(bool timeOnly) {
+  if (timeOnly_ == timeOnly) return;
+  timeOnly_ = timeOnly;
+  notify(ControlChange::What::DateTime);
+}
+
 void Control::setProperty(OSType creator, OSType tag, Bytes bytes) {
   properties_[{creator, tag}] = std::move(bytes);
 }

@@ -143,6 +143,10 @@ class Control : public EventTarget {
   void setPictureName(std::string name);
   LongDateTime dateTime() const { return dateTime_; }
   void setDateTime(LongDateTime dateTime);
+  // A clock that shows and edits the time of day only (hours and minutes); its date is
+  // kept but not shown. Announced as a DateTime change: what the clock shows changed.
+  bool isTimeOnly() const { return timeOnly_; }
+  void setTimeOnly(bool timeOnly);
 
   // Tagged properties: bytes the caller attaches, untouched by the toolkit.
   void setProperty(OSType creator, OSType tag, Bytes bytes);
@@ -201,6 +205,7 @@ class Control : public EventTarget {
   MenuItemIndex menuValue_ = 0;
   std::string pictureName_;
   LongDateTime dateTime_ = 0;
+  bool timeOnly_ = false;
   std::map<std::pair<OSType, OSType>, Bytes> properties_;
   std::map<std::pair<ControlPartCode, OSType>, Bytes> data_;
   bool disposalSent_ = false;

@@ -47,6 +47,8 @@ inline constexpr OSType kEventParamTextInputSendText = MakeOSType("tstx");
 inline constexpr OSType kEventParamMenuItemIndex = MakeOSType("item");
 // The menu the chosen item belongs to, when it is a submenu of the control's menu.
 inline constexpr OSType kEventParamMenuRef = MakeOSType("mnrf");
+// The date and time a person set on a clock (LongDateTime).
+inline constexpr OSType kEventParamDateTime = MakeOSType("ldt ");
 
 // Parameter types.
 inline constexpr OSType typeControlRef = MakeOSType("ctrl");
@@ -57,6 +59,7 @@ inline constexpr OSType typeControlPartCode = MakeOSType("cprt");
 inline constexpr OSType typeMenuItemIndex = MakeOSType("midx");
 inline constexpr OSType typeSInt32 = MakeOSType("long");
 inline constexpr OSType typeUInt32 = MakeOSType("magn");
+inline constexpr OSType typeLongDateTime = MakeOSType("ldt ");
 
 // Where a command came from.
 inline constexpr std::uint32_t kHICommandFromMenu = 1;

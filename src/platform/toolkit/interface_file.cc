@@ -149,8 +149,8 @@ class Builder {
   bool buildControl(const plist::Dictionary& d, Control& parent, Window& window) {
     if (!onlyKeys(d, {"Kind", "Signature", "ID", "Bounds", "Title", "TitleKey", "Value",
                       "Minimum", "Maximum", "Visible", "Enabled", "Active", "Password",
-                      "Default", "Cancel", "Command", "Picture", "Items", "Columns",
-                      "Controls"})) {
+                      "TimeOnly", "Default", "Cancel", "Command", "Picture", "Items",
+                      "Columns", "Controls"})) {
       return false;
     }
     std::string kindName;
@@ -196,17 +196,19 @@ class Builder {
     control.setMaximum(maximum);
     control.setValue(value);
 
-    bool visible = true, enabled = true, active = true, password = false;
+    bool visible = true, enabled = true, active = true, password = false, timeOnly = false;
     bool isDefault = false, isCancel = false;
     MenuCommand command = 0;
     std::string picture;
     if (!readBool(d, "Visible", &visible) || !readBool(d, "Enabled", &enabled) ||
         !readBool(d, "Active", &active) || !readBool(d, "Password", &password) ||
+        !readBool(d, "TimeOnly", &timeOnly) ||
         !readBool(d, "Default", &isDefault) || !readBool(d, "Cancel", &isCancel) ||
         !readCode(d, "Command", &command) || !readString(d, "Picture", &picture)) {
       return false;
     }
     if (password && *kind != ControlKind::EditText) return fail("only edit text hides its text");
+    if (timeOnly && *kind != ControlKind::Clock) return fail("only a clock shows a time of day");
     if (!picture.empty() && *kind != ControlKind::ImageView && *kind != ControlKind::BevelButton) {
       return fail("only image views and bevel buttons show pictures");
     }
@@ -214,6 +216,7 @@ class Builder {
     control.setEnabled(enabled);
     control.setActive(active);
     control.setPassword(password);
+    control.setTimeOnly(timeOnly);
     control.setCommand(command);
     control.setPictureName(std::move(picture));
 

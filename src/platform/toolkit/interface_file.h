@@ -11,6 +11,7 @@
 //   Title       the text; or TitleKey, looked up in the bundle's "Localizable" table
 //   Value Minimum Maximum            integers
 //   Visible Enabled Active Password  booleans (the first three default to true)
+//   TimeOnly    boolean: a clock that shows the time of day (hours and minutes) only
 //   Default Cancel                   booleans: the window's default or cancel button
 //   Command     four characters
 //   Picture     a picture's file name

@@ -52,6 +52,11 @@ void ChooseText(Control& control, const Event& event) {
   if (chosen) control.setText(chosen->text);
 }
 
+void SetClock(Control& control, const Event& event) {
+  if (auto value = event.get<LongDateTime>(kEventParamDateTime, typeLongDateTime))
+    control.setDateTime(*value);
+}
+
 struct Tracking {
   ControlKind kind;
   void (*track)(Control&, const Event&);
@@ -65,6 +70,7 @@ constexpr Tracking kTracking[] = {
     {ControlKind::TabControl, ChooseValue},
     {ControlKind::BevelButton, ChooseMenuValue},
     {ControlKind::ComboBox, ChooseText},
+    {ControlKind::Clock, SetClock},
 };
 
 // --- Behaviours by event type ------------------------------------------------------

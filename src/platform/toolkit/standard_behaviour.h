@@ -7,7 +7,8 @@
 //                       on and its sibling radio buttons off, a spin control steps by one
 //                       for its up and down parts; a choice from a menu sets the value of
 //                       a pop-up button or tab control, the menu value of a bevel button,
-//                       the text of a combo box
+//                       the text of a combo box; a clock takes the date and time the
+//                       event carries
 //   kEventControlHit    sends the chosen menu item's command, else the control's own, to
 //                       the control (so it rises to its window and the application)
 //   text input          tab moves the focus to the next field, return and enter click the

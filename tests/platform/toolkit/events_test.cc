@@ -200,6 +200,47 @@ TEST_F(StandardBehaviour, ComboBoxListChoiceFillsTheTextAndSendsItsOwnEvent) {
   EXPECT_EQ(ChooseMenuItem(combo, 3), menuItemNotFoundErr);
 }
 
+TEST_F(StandardBehaviour, SettingAClockChangesItBeforeItsHandlersHearTheHitUnlessRefused) {
+  Control& field = add(ControlKind::EditText, 1);
+  Control& clock = add(ControlKind::Clock, 2);
+  clock.setCommand(MakeOSType("Tclk"));
+  clock.setDateTime(100);
+  std::vector<std::string> log;
+  clock.installHandler({kHit}, [&](EventHandlerCallRef, Event&) {
+    log.push_back("hit at " + std::to_string(clock.dateTime()));
+    return eventNotHandledErr;
+  });
+  CommandsReaching(*window, log);
+  SetFocus(field);
+
+  constexpr LongDateTime kNoonOn2Jan2024 = 3787041600;
+  EXPECT_EQ(SetDateTime(clock, kNoonOn2Jan2024), noErr);
+  EXPECT_EQ(clock.dateTime(), kNoonOn2Jan2024);
+  EXPECT_EQ(window->focus(), &clock);
+  EXPECT_THAT(log, ElementsAre("hit at 3787041600", "Tclk"));
+  const plist::Dictionary state = ReadControlState(clock);
+  EXPECT_EQ(state.getNumber<std::int64_t>("DateTime"), kNoonOn2Jan2024);
+
+  // What a person cannot reach stays as it is, and nobody hears of it.
+  log.clear();
+  clock.setEnabled(false);
+  EXPECT_EQ(SetDateTime(clock, 5), errControlHiddenOrDisabled);
+  clock.setEnabled(true);
+  window->setVisible(false);
+  EXPECT_EQ(SetDateTime(clock, 5), errControlHiddenOrDisabled);
+  window->setVisible(true);
+  EXPECT_EQ(SetDateTime(field, 5), paramErr);
+  EXPECT_THAT(log, ElementsAre());
+  EXPECT_EQ(clock.dateTime(), kNoonOn2Jan2024);
+
+  // A handler that takes the change keeps the old time; the hit still follows.
+  clock.installHandler({{kEventClassControl, kEventControlTrack}},
+                       [](EventHandlerCallRef, Event&) { return noErr; });
+  EXPECT_EQ(SetDateTime(clock, 7), noErr);
+  EXPECT_EQ(clock.dateTime(), kNoonOn2Jan2024);
+  EXPECT_THAT(log, ElementsAre("hit at 3787041600", "Tclk"));
+}
+
 using FocusAndDisposal = ToolkitTest;
 
 TEST_F(FocusAndDisposal, LeavingAFieldTellsItBeforeTheNextFieldHearsOfIt) {

@@ -75,6 +75,7 @@ TEST(InterfaceFileLoading, EveryKindIsBuiltWithItsAttributesAndFoundByID) {
   EXPECT_EQ(Find(*window, 10).pictureName(), "Finishing.png");
   EXPECT_EQ(Find(*window, 11).menu()->count(), 2);
   EXPECT_EQ(Find(*window, 12).maximum(), 999);
+  EXPECT_TRUE(Find(*window, 13).isTimeOnly());
   EXPECT_FALSE(Find(*window, 14).isVisible());
   ListView* list = AsListView(&Find(*window, 15));
   ASSERT_TRUE(list);
@@ -143,6 +144,7 @@ TEST(InterfaceFileLoading, MalformedFilesAreRefusedWithTheFaultNamed) {
       {WithControl(button + "<key>Items</key><array/>"), "menu"},
       {WithControl(kind + "CheckBox</string><key>Controls</key><array/>"), "holds no"},
       {WithControl(kind + "EditText</string><key>Columns</key><array/>"), "columns"},
+      {WithControl(button + "<key>TimeOnly</key><true/>"), "time of day"},
       {WithControl(kind + "Group</string><key>Controls</key><array><dict>" + kind +
                    "PopupButton</string><key>Items</key><array><integer>1</integer></array>"
                    "</dict></array>"),
