@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/panel_ui.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -406,6 +407,23 @@ OSStatus SetControlBestRect(Control* control, std::uint32_t alignment, std::int3
   if (dx) *dx += width - old.width();
   if (dy) *dy += height - old.height();
   return noErr;
+}
+
+void SetButtonsToSameWidth(std::span<Control* const> row) {
+  std::vector<Control*> buttons;
+  std::int32_t width = 0;
+  for (Control* button : row) {
+    if (!button) continue;
+    buttons.push_back(button);
+    width = std::max({width, button->bounds().width(), GetBestControlRect(*button).width()});
+  }
+  // From the right: each button ends where it ended, or its old gap before the next one.
+  std::int32_t right = buttons.empty() ? 0 : buttons.back()->bounds().right;
+  for (std::size_t i = buttons.size(); i-- > 0;) {
+    const Rect old = buttons[i]->bounds();
+    buttons[i]->setBounds({old.top, right - width, old.bottom, right});
+    if (i > 0) right = right - width - (old.left - buttons[i - 1]->bounds().right);
+  }
 }
 
 OSStatus UpdateSummaryTextView(Control* view, const std::string* text) {

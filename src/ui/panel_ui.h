@@ -137,6 +137,10 @@ toolkit::Rect GetBestControlRect(const toolkit::Control& control);
 // adds the width and height changes to `*dx` and `*dy` when given. paramErr for null.
 OSStatus SetControlBestRect(toolkit::Control* control, std::uint32_t alignment, std::int32_t* dx,
                             std::int32_t* dy);
+// Gives the buttons of a row, left to right, one width: the widest of their best and
+// their layout widths. The row keeps its right edge and its gaps, so a longer localized
+// title widens the row to the left. Null entries are skipped.
+void SetButtonsToSameWidth(std::span<toolkit::Control* const> row);
 
 // Sets the view's text between setting its one-byte data 'rdpm' to 0 and to 1, so a
 // renderer redraws once. paramErr for a null view or text.
