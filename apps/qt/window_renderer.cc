@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QMenu>
 #include <QPoint>
 #include <QPushButton>
@@ -51,10 +52,15 @@ int CharactersForUnits(const QString& text, int units) {
   return static_cast<int>(text.left(units).toUcs4().size());
 }
 
-// Seconds since 1904-01-01 local time, as clocks hold them.
-QDateTime FromLongDateTime(toolkit::LongDateTime seconds) {
-  return QDateTime(QDate(1904, 1, 1), QTime(0, 0)).addSecs(seconds);
+// Clocks hold seconds since 1904-01-01 of local wall time: every day has 86400 of them.
+// Qt's local time would add or drop an hour across a daylight saving change, so the
+// widget counts in UTC, where wall time and seconds agree, and shows that wall time.
+const QDateTime& Epoch1904() {
+  static const QDateTime epoch(QDate(1904, 1, 1), QTime(0, 0), Qt::UTC);
+  return epoch;
 }
+QDateTime FromLongDateTime(toolkit::LongDateTime seconds) { return Epoch1904().addSecs(seconds); }
+toolkit::LongDateTime ToLongDateTime(const QDateTime& time) { return Epoch1904().secsTo(time); }
 
 // The two arrows of a spin control.
 QWidget* MakeSpinArrows(QWidget* parent, QToolButton** up, QToolButton** down) {
@@ -264,8 +270,8 @@ QWidget* WindowRenderer::makeWidget(Control& control, QWidget* parent) {
     }
     case ControlKind::Clock: {
       auto* clock = new QDateTimeEdit(parent);
-      clock->setReadOnly(true);
-      clock->setButtonSymbols(QAbstractSpinBox::NoButtons);
+      clock->setTimeSpec(Qt::UTC);
+      clock->installEventFilter(this);  // focus, and the keys that end or leave the dialog
       return clock;
     }
     case ControlKind::ImageView: {
@@ -401,7 +407,15 @@ void WindowRenderer::refreshAspect(Control& control, What what) {
       break;
     }
     case What::DateTime:
-      if (auto* clock = qobject_cast<QDateTimeEdit*>(widget)) clock->setDateTime(FromLongDateTime(control.dateTime()));
+      if (auto* clock = qobject_cast<QDateTimeEdit*>(widget)) {
+        const QString format = control.isTimeOnly()
+                                   ? QStringLiteral("HH:mm")
+                                   : QLocale().dateTimeFormat(QLocale::ShortFormat);
+        if (clock->displayFormat() != format) clock->setDisplayFormat(format);
+        // Rewriting an unchanged value would move the caret of a person still typing.
+        const QDateTime shown = FromLongDateTime(control.dateTime());
+        if (clock->dateTime() != shown) clock->setDateTime(shown);
+      }
       break;
     case What::ListColumns:
     case What::ListItems:
@@ -576,6 +590,12 @@ void WindowRenderer::connectActions(Control& control, QWidget* widget) {
     case ControlKind::ImageView:
       static_cast<PictureLabel*>(widget)->clicked = click;
       break;
+    case ControlKind::Clock:
+      connect(qobject_cast<QDateTimeEdit*>(widget), &QDateTimeEdit::dateTimeChanged, this,
+              [this, target](const QDateTime& time) {
+                act(*target, [time](Control& c) { toolkit::SetDateTime(c, ToLongDateTime(time)); });
+              });
+      break;
     case ControlKind::TabControl:
       connect(static_cast<TabWidget*>(widget)->bar, &QTabBar::tabBarClicked, this, [this, target](int index) {
         if (index >= 0)
@@ -658,6 +678,11 @@ bool WindowRenderer::typed(Control& control, QKeyEvent* key) {
     case Qt::Key_Delete: code = toolkit::kDeleteCharCode; break;
     default: break;
   }
+  // A clock edits its own digits; only the keys that move on or end the dialog are the
+  // toolkit's.
+  if (control.kind() == ControlKind::Clock && code != toolkit::kTabCharCode &&
+      code != toolkit::kReturnCharCode && code != toolkit::kEscapeCharCode)
+    return false;
   if (code != 0) {
     act(control, [&window, code](Control&) { toolkit::PressKey(window, code); });
     return true;

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDateTimeEdit>
 #include <QDir>
 #include <QLineEdit>
 #include <QMenu>
@@ -25,7 +26,9 @@
 #include "host/dialog_host.h"
 #include "panels/image_options/advanced_panel.h"
 #include "panels/image_options/image_options_panel.h"
+#include "panels/paper_output/delayed_print_setup.h"
 #include "panels/paper_output/paper_output_panel.h"
+#include "panels/paper_output/secure_print_setup.h"
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
 #include "platform/print/framework_keys.h"
@@ -390,6 +393,43 @@ class PrintDialogTest : public QObject {
     QCOMPARE(ui::RunModalCustomStockSizeDialog(bundle, &width, &length, &confirmed), noErr);
     QVERIFY(confirmed);
     QCOMPARE(std::make_pair(width, length), std::make_pair(595, 842));  // A4 in points
+
+    // The delayed print clock shows hours and minutes; the arrow key sets it, OK takes it.
+    constexpr std::int64_t kMidnight = 3786998400;  // 2 January 2024, in seconds since 1904
+    QString format;
+    QTimer::singleShot(0, this, [&] {
+      QWidget* modal = QApplication::activeModalWidget();
+      auto* clock = modal ? modal->findChild<QDateTimeEdit*>() : nullptr;
+      if (!clock) return;
+      format = clock->displayFormat();
+      clock->setFocus();
+      clock->setCurrentSection(QDateTimeEdit::HourSection);
+      for (int hour = 0; hour < 18; ++hour) QTest::keyClick(clock, Qt::Key_Up);
+      Photograph(modal, "dialog-delayed-print");
+      for (QPushButton* b : modal->findChildren<QPushButton*>())
+        if (b->text() == "OK") QTest::mouseClick(b, Qt::LeftButton);
+    });
+    std::int64_t time = kMidnight;
+    QCOMPARE(panels::RunModalDelayedPrintSetup(bundle, &time, kMidnight + 12 * 3600), noErr);
+    QCOMPARE(format, QString("HH:mm"));
+    QCOMPARE(time - kMidnight, std::int64_t{18 * 3600});  // today, 18:00
+
+    // The secure print fields hide the typed digits; the confirm field opens with the first.
+    bool hidden = false;
+    QTimer::singleShot(0, this, [&] {
+      QWidget* modal = QApplication::activeModalWidget();
+      QList<QLineEdit*> fields = modal ? modal->findChildren<QLineEdit*>() : QList<QLineEdit*>();
+      if (fields.size() != 2 || fields[1]->isEnabled()) return;
+      hidden = fields[0]->echoMode() == QLineEdit::Password && fields[1]->echoMode() == QLineEdit::Password;
+      QTest::keyClicks(fields[0], "12x34");
+      QTest::keyClicks(fields[1], "1234");
+      Photograph(modal, "dialog-secure-print");
+      QTest::keyClick(fields[1], Qt::Key_Return);
+    });
+    std::optional<std::string> passcode;
+    QCOMPARE(panels::RunModalSecurePrintSetup(bundle, &passcode), noErr);
+    QVERIFY(hidden);
+    QCOMPARE(passcode, std::optional<std::string>("1234"));
   }
 
   // The paper menu, its separators and covers dialogs, all with the mouse and the keys;
