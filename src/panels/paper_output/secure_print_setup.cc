@@ -73,7 +73,8 @@ void ConfirmPasscode(SecurePrintSetupDialog& dialog) {
     dialog.passcodeField->setText(std::to_string(made));
     dialog.confirmField->setText(std::to_string(made));
     toolkit::CFUserNotificationDisplayNotice(
-        0, toolkit::kCFUserNotificationNoteAlertLevel, Localized(bundle, "Passcode Required Header"),
+        0, toolkit::kCFUserNotificationNoteAlertLevel,
+        Localized(bundle, "Passcode Required Header"),
         FormatNumbers(Localized(bundle, "Passcode Required Message"),
                       {kMinSecurePasscodeLength, kMaxSecurePasscodeLength, made}));
     Accept(dialog);
