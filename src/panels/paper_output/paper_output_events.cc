@@ -2,8 +2,10 @@
 // What the panel does when a person uses it: control hits, the stock menu's commands and
 // the pictures that follow the choices.
 #include "fax/lan_fax_setup.h"
+#include "panels/paper_output/delayed_print_setup.h"
 #include "panels/paper_output/finishing_menu.h"
 #include "panels/paper_output/paper_output_panel.h"
+#include "panels/paper_output/secure_print_setup.h"
 #include "panels/paper_output/separators_dialog.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/event.h"
@@ -28,10 +30,11 @@ void RunJobTypeSetup(PaperOutputContext* panel) {
       fax::RunModalLANFaxSetup(panel->bundle, *panel->faxOptions, panel->recipients.get());
       break;
     case kSecurePrintJob:
-      // The secure print set-up (on the passcode) comes with the job type set-ups.
+      RunModalSecurePrintSetup(panel->bundle, &panel->passcode);
+      panel->hasPasscode = panel->passcode ? 1 : 0;
       break;
     case kDelayedPrintJob:
-      // The delayed print set-up (on the time to print) comes with the job type set-ups.
+      RunModalDelayedPrintSetup(panel->bundle, &panel->delayedPrintTime);
       break;
     default:
       // Codes 4 and 9 come only from tickets: the button is enabled and does nothing.
