@@ -193,6 +193,11 @@ void LimitTyping(VComboBoxContext& context, Control& combo) {
       context.allowedSet = *set;
     LimitInputLengthAndCharacters(&combo, options.minLength, options.maxLength,
                                   context.allowedSet ? &*context.allowedSet : nullptr);
+  } else if (combo.property(kPanelUICreator, kLimitMaxLengthTag) ||
+             combo.property(kPanelUICreator, kLimitMinLengthTag) ||
+             combo.property(kPanelUICreator, kLimitCharactersTag)) {
+    // Set up again without typing rules: the earlier ones go.
+    LimitInputLengthAndCharacters(&combo, 0, 0, nullptr);
   }
 }
 

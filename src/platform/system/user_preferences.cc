@@ -60,7 +60,7 @@ class PreferencesLock {
                      lockFile.c_str());
         break;
       }
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
   }
   PreferencesLock(const PreferencesLock&) = delete;
