@@ -144,8 +144,8 @@ TEST_F(SavedJobDialog, OKChecksThePasscodesAndMakesOneUpWhenNoneIsTyped) {
     std::int32_t hasPasscode;             // after
     std::optional<std::string> passcode;  // after; "made" for a made-up one
   } cases[] = {
-      {"both empty", std::nullopt,
-       [] { script().click(kSavedJobSecureCheckBoxID); }, "Passcode Required Header", true, 1, "made"},
+      {"both empty", std::nullopt, [] { script().click(kSavedJobSecureCheckBoxID); },
+       "Passcode Required Header", true, 1, "made"},
       {"empty passcode, confirm still holding the old one", "5678",
        [] { script().typeText(kSavedJobPasscodeFieldID, kClear); }, "Passcode Required Header",
        true, 1, "made"},
@@ -296,7 +296,8 @@ TEST_F(SavedJobDialog, AcceptStoresAndRemembersWhatWasTypedAndCancelNeither) {
     context_.useJobName = 1;
     context_.savedJobName = "Old";
     script().typeText(kSavedJobNameBoxID, kClear + "Quarterly");
-    if (c.useDocumentName) script().chooseMenuItemByText(kSavedJobNameBoxID, localized("UseJobName"));
+    if (c.useDocumentName)
+      script().chooseMenuItemByText(kSavedJobNameBoxID, localized("UseJobName"));
     script().typeText(kSavedJobFolderBoxID, "42");
     script().click(kSavedJobSecureCheckBoxID);
     script().typeText(kSavedJobPasscodeFieldID, "9876");
@@ -332,7 +333,8 @@ TEST_F(SavedJobDialog, AcceptStoresAndRemembersWhatWasTypedAndCancelNeither) {
     const auto items = [&window](toolkit::ControlID id) {
       Strings texts;
       const toolkit::Menu& menu = *window.findByID(id)->menu();
-      for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i) texts.push_back(menu.item(i)->text);
+      for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i)
+        texts.push_back(menu.item(i)->text);
       return texts;
     };
     names = items(kSavedJobNameBoxID);

@@ -134,20 +134,23 @@ std::vector<std::string> Newest(const char* tag) {
 }
 
 TEST_F(HistoryStress, TwoProcessesUnderTwoKeysKeepEachOthersEntries) {
-  std::map<std::string, std::vector<std::string>> keys = RunWriters("savedJobNames", "mailboxNumbers");
+  std::map<std::string, std::vector<std::string>> keys =
+      RunWriters("savedJobNames", "mailboxNumbers");
   EXPECT_EQ(keys["savedJobNames"], Newest("A"));
   EXPECT_EQ(keys["mailboxNumbers"], Newest("B"));
 }
 
 TEST_F(HistoryStress, TwoProcessesUnderOneKeyKeepTheNewestEntries) {
-  std::map<std::string, std::vector<std::string>> keys = RunWriters("savedJobNames", "savedJobNames");
+  std::map<std::string, std::vector<std::string>> keys =
+      RunWriters("savedJobNames", "savedJobNames");
   const std::vector<std::string>& entries = keys["savedJobNames"];
   ASSERT_EQ(entries.size(), kLimit);
   // The file holds the last ten confirmations of both: the last of all first, and of each
   // writer only its newest entries, none lost behind an older one.
   EXPECT_EQ(Entry(entries.front()).second, kRounds - 1);
   std::map<std::string, std::vector<int>> byWriter;
-  for (const std::string& entry : entries) byWriter[Entry(entry).first].push_back(Entry(entry).second);
+  for (const std::string& entry : entries)
+    byWriter[Entry(entry).first].push_back(Entry(entry).second);
   for (const auto& [writer, numbers] : byWriter)
     for (std::size_t i = 0; i < numbers.size(); ++i)
       EXPECT_EQ(numbers[i], kRounds - 1 - static_cast<int>(i)) << writer;

@@ -84,7 +84,8 @@ std::string FormatNumbers(std::string_view format, std::initializer_list<long lo
     std::size_t digits = end;
     while (digits < format.size() && format[digits] >= '0' && format[digits] <= '9') ++digits;
     if (digits > end && digits < format.size() && format[digits] == '$') {
-      argument = static_cast<std::size_t>(std::stoul(std::string(format.substr(end, digits - end))));
+      const std::string position(format.substr(end, digits - end));
+      argument = static_cast<std::size_t>(std::stoul(position));
       argument = argument > 0 ? argument - 1 : arguments.size();
       end = digits + 1;
     } else {
