@@ -327,24 +327,6 @@ TEST_F(SavedJobDialog, AcceptStoresAndRemembersWhatWasTypedAndCancelNeither) {
     EXPECT_EQ(History("savedJobNames"), Strings{"Quarterly"});
     EXPECT_EQ(History("mailboxNumbers"), Strings{"42"});
   }
-  // The next dialog offers what was remembered.
-  Strings names, folders;
-  script().add("look at the lists", [&](Window& window) {
-    const auto items = [&window](toolkit::ControlID id) {
-      Strings texts;
-      const toolkit::Menu& menu = *window.findByID(id)->menu();
-      for (toolkit::MenuItemIndex i = 1; i <= menu.count(); ++i)
-        texts.push_back(menu.item(i)->text);
-      return texts;
-    };
-    names = items(kSavedJobNameBoxID);
-    folders = items(kSavedJobFolderBoxID);
-    return noErr;
-  });
-  script().click(kSavedJobCancelButtonID);
-  run();
-  EXPECT_EQ(names, (Strings{localized("UseJobName"), "Quarterly"}));
-  EXPECT_EQ(folders, Strings{"42"});
 }
 
 TEST_F(SavedJobDialog, AMissingWindowIsReportedAndChangesNothing) {

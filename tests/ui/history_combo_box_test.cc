@@ -177,8 +177,6 @@ TEST_F(HistoryComboBox, ValuesGoBetweenTheTextAndNumbersOrStrings) {
   EXPECT_EQ(Value(combo), plist::Value(17));
   combo.setText({});
   EXPECT_FALSE(Value(combo, kVComboBoxNoValue));
-  EXPECT_EQ(VComboBoxSetValue(&combo, nullptr), paramErr);
-  EXPECT_EQ(VComboBoxCopyValue(&combo, nullptr), paramErr);
 
   VComboBoxOptions words = Text(24);
   words.map = kAutoMap;
@@ -187,10 +185,6 @@ TEST_F(HistoryComboBox, ValuesGoBetweenTheTextAndNumbersOrStrings) {
   EXPECT_EQ(Value(combo), plist::Value(1000));
   TypeText(combo, std::string(9, '\b') + "1000");
   EXPECT_EQ(Value(combo), plist::Value("1000")) << "typed text stays text";
-
-  Control& plain = add(ControlKind::ComboBox, 3);
-  EXPECT_EQ(VComboBoxSetValue(&plain, &typed), paramErr) << "never set up";
-  EXPECT_EQ(VComboBoxFinalize(&plain, true), paramErr);
 }
 
 TEST_F(HistoryComboBox, TheListHoldsTheMapsItemsThenTheStoredEntriesThatFit) {
