@@ -46,7 +46,11 @@ const char* const kUsage =
     "  --help                   show this text\n"
     "\n"
     "Setting options (a choice is its PPD keyword or its shown text, in any case):\n"
-    "  --job-type normal|secure|sample|delayed|mailbox|fax\n"
+    "  --job-type normal|secure|sample|delayed|mailbox|fax   with its set-up:\n"
+    "      --passcode DIGITS    (secure; mailbox for a secure stored job; without it a\n"
+    "                           secure job gets a made-up passcode, said once)\n"
+    "      --print-at HH:MM     (delayed: the next time it is HH:MM, local time)\n"
+    "      --mailbox NUMBER     --job-name NAME|auto      (mailbox)\n"
     "  --paper-size CHOICE     --paper-color CHOICE  --paper-type CHOICE\n"
     "  --custom-size WIDTHxLENGTH[pt|mm|in]           (within the printer's limits)\n"
     "  --two-sided one|long|short                     --output-bin CHOICE\n"
@@ -56,8 +60,13 @@ const char* const kUsage =
     "  --image-quality CHOICE  --toner-saver on|off  --negative-image on|off\n"
     "  --mirror-image on|off   --banner-sheet CHOICE --request-offset CHOICE\n"
     "  --feed-edge CHOICE\n"
-    "A job is confirmed as the Print button does it: a secure print job needs a\n"
-    "passcode and a LAN fax job recipients, which only the dialog sets so far.\n"
+    "  --staple none|single|dual|multiple  --punch none|2|3|4|generic\n"
+    "  --fold none|c|z|z-half|bi           (finishing menu choices, in order)\n"
+    "  --booklet none|fold|fold-staple[,layout][,outlines][,gutter=N][,creep=N][,size=SIZE]\n"
+    "  --offset default|none|sets|subsets|sets-and-subsets[,subset=N]\n"
+    "  --custom-finishing TEXT\n"
+    "A job is confirmed as the Print button does it: a LAN fax job needs recipients,\n"
+    "which only the dialog sets so far.\n"
     "\n"
     "Every option that takes a value also takes it as --name=value (-Pqueue for the short\n"
     "ones). Without --ppd, -P or --session the bundled sample printer is used.\n"
@@ -75,7 +84,9 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
       {"--ticket", &options.ticket},   {"--save-ticket", &options.saveTicket},
       {"--session", &options.session}, {"--save", &options.save},
       {"--bundle-path", &options.bundlePath}, {"-t", &options.title},
-      {"--title", &options.title}};
+      {"--title", &options.title},     {"--passcode", &options.setup.passcode},
+      {"--print-at", &options.setup.printAt}, {"--mailbox", &options.setup.mailbox},
+      {"--job-name", &options.setup.jobName}};
   const std::vector<std::pair<std::string_view, bool*>> flags = {
       {"--summary", &options.summary},         {"--list", &options.list},
       {"--dry-run", &options.dryRun},          {"--save-defaults", &options.saveDefaults},
@@ -150,6 +161,10 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
       *slot = value;
     }
   }
+  std::optional<std::string> jobType;
+  for (const auto& [setting, value] : options.settings)
+    if (std::string_view(setting->name) == "job-type") jobType = value;
+  if (std::optional<std::string> wrong = CheckJobSetup(options.setup, jobType)) return usage(*wrong);
   if (options.ppd && options.queue) return usage("give --ppd or -P, not both");
   if (options.queue && options.queue->find('/') != std::string::npos &&
       (options.queue->front() == '/' || options.queue->back() == '/' ||

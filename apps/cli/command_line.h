@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dialog_settings.h"
+#include "job_type_setups.h"
 
 namespace varno::cli {
 
@@ -26,6 +27,8 @@ struct Options {
   bool verbose = false;  // the informational lines on standard error
   // -o KEY=VALUE: PPD choices, in command-line order.
   std::vector<std::pair<std::string, std::string>> ppdChoices;
+  // What the job type's set-up gets: --passcode, --print-at, --mailbox, --job-name.
+  JobSetup setup;
   // (setting option, value) in command-line order.
   std::vector<std::pair<const SettingOption*, std::string>> settings;
   // Files to print, in order.

@@ -10,6 +10,7 @@
 #include "panels/paper_output/finishing_menu.h"
 #include "panels/paper_output/paper_output_panel.h"
 #include "finishing_dialogs.h"
+#include "job_type_setups.h"
 #include "paper_dialogs.h"
 #include "platform/plist/text.h"
 #include "platform/status_text.h"
@@ -274,9 +275,13 @@ ApplyResult DialogSettings::apply(const SettingOption& option, std::string_view 
       if (offered->current != chosen) status = toolkit::Click(*control);  // a check box toggles
       break;
     case SettingKind::NamedPopup:
-      for (const NamedChoice& word : option.words)
-        if (plist::EqualCaseInsensitive(offered->choices[*chosen].keyword, word.word))
-          status = toolkit::ChooseMenuItemByRefCon(*control, static_cast<toolkit::URefCon>(word.value));
+      for (const NamedChoice& word : option.words) {
+        if (!plist::EqualCaseInsensitive(offered->choices[*chosen].keyword, word.word)) continue;
+        // Choosing a job type with a set-up opens it at once: it is filled in on the way.
+        if (std::string_view(option.name) == "job-type")
+          return ApplyJobType(*control, word.value, setup_ ? *setup_ : JobSetup{}, error);
+        status = toolkit::ChooseMenuItemByRefCon(*control, static_cast<toolkit::URefCon>(word.value));
+      }
       break;
     case SettingKind::StockSubmenu:
       // The custom size item opens a dialog that needs the size itself.

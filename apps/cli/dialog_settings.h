@@ -78,6 +78,8 @@ class DialogSettings {
   ApplyResult apply(const SettingOption& option, std::string_view value, std::string* error);
   // Every setting with its current value and its choices, one per line.
   std::string list() const;
+  // What choosing a job type fills its set-up with.
+  void setJobSetup(const struct JobSetup* setup) { setup_ = setup; }
 
  private:
   toolkit::Control* find(const SettingOption& option, std::string* error) const;
@@ -89,6 +91,7 @@ class DialogSettings {
 
   toolkit::Window& window_;
   const PPDDefaults& ppd_;
+  const struct JobSetup* setup_ = nullptr;
 };
 
 }  // namespace varno::cli

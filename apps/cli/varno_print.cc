@@ -225,6 +225,7 @@ int RunDialog(const Options& options, const hosts::PPDDefaults& ppd, print::Sess
 
   std::string error;
   cli::DialogSettings settings(*window, ppd);
+  settings.setJobSetup(&options.setup);
   for (const auto& [setting, value] : options.settings) {
     switch (settings.apply(*setting, value, &error)) {
       case cli::ApplyResult::Applied: break;

@@ -217,6 +217,27 @@ TEST_F(CupsPrint, JobCarriesTheWholeTicketAndItsChoices) {
   ExpectJobCarries(run, ticket, true);
 }
 
+// A secure job's passcode reaches the printer inside the job-type item, and no log of the
+// run holds it: not varno-print's words (with -v), not the scheduler's logs.
+TEST_F(CupsPrint, APasscodeTravelsInTheJobAndInNoLog) {
+  const std::string passcode = "86420975";
+  const fs::path saved = scheduler_.root() / "secure.plist";
+  const ProgramRun run = varnoPrint({"-P", kQueue, "-v", "--job-type", "secure", "--passcode", passcode,
+                                     "--save-ticket", saved, document_});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const print::Ticket ticket = LoadTicket(saved);
+  const plist::Dictionary jobType = ticket.dictionary("com.varno.print.JobType").value_or(plist::Dictionary{});
+  EXPECT_EQ(jobType.getNumber<int>("JobType"), 6);
+  EXPECT_EQ(jobType.getString("SecurePrintPassword"), passcode);
+  ExpectJobCarries(run, ticket, false);
+  EXPECT_EQ((run.out + run.err).find(passcode), std::string::npos) << run.out << run.err;
+  for (const auto& entry : fs::directory_iterator(scheduler_.root() / "log")) {
+    std::ifstream in(entry.path(), std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(text.find(passcode), std::string::npos) << entry.path() << " holds the passcode";
+  }
+}
+
 TEST_F(CupsPrint, SavedDefaultsReachPlainLpJobsAndReadBack) {
   // Larger defaults saved first: the smaller ones below must leave none of their parts.
   const ProgramRun large = varnoPrint({"-P", kQueue, "--save-defaults", "--ticket",

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <memory>
 #include <string>
 
@@ -178,7 +179,11 @@ TEST(VarnoPrint, BadInputGivesAClearErrorAndStatus) {
                {"--separators printed:Tray9", 2, "no choice \"Tray9\"; the choices are: Auto"},
                {"--covers front:A9", 2, "no choice \"A9\"; the choices are: Letter"},
                {"--covers both::sideways", 2, "no printed sides \"sideways\""},
-               {"--job-type secure", 1, "Invalid Secure Print Passcode: A secure print job needs"},
+               {"--passcode 1234", 2, "--passcode goes with --job-type secure, or with --job-type mailbox"},
+               {"--job-type secure --passcode 12ab", 2, "--passcode: a secure print passcode is 1 to 12 digits"},
+               {"--job-type delayed --print-at 25:00", 2, "--print-at takes a time of day as HH:MM"},
+               {"--job-type mailbox --mailbox 1234", 2, "--mailbox: a folder number is up to 3 digits"},
+               {"--job-type mailbox --mailbox 201", 1, "Invalid Folder Number: "},
                {"--staple multiple", 2, "no choice \"multiple\"; the choices are: none (\"No Staple\"), single"},
                {"--fold c", 2, "--fold: this printer has no folding unit installed"},
                {"--booklet fold", 2, "--booklet: this printer has no booklet maker installed"},
@@ -321,6 +326,50 @@ TEST(VarnoPrint, FinishingOptionsAreMenuChoicesInCommandLineOrder) {
   EXPECT_EQ(ticket->number<int>("com.varno.print.FinishingOffsetPagesPerSubset"), 5);
   EXPECT_EQ(ticket->number<int>("com.varno.print.FinishingOptions"), 22);
   EXPECT_EQ(ticket->string("com.varno.print.FinishingCustom"), "Tape bind");
+}
+
+// The job type set-ups are filled in as a person would; their own checks decide.
+TEST(VarnoPrint, JobTypeSetUpsAreFilledInAsAPersonWould) {
+  TempDir dir;
+  ProgramRun run = VarnoPrint("--job-type secure --passcode 0042", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  EXPECT_EQ(run.all, run.out) << "nothing on standard error";
+  plist::Dictionary jobType = PrintedTicket(run)->dictionary("com.varno.print.JobType").value_or(plist::Dictionary{});
+  EXPECT_EQ(jobType.getNumber<int>("JobType"), 6);
+  EXPECT_EQ(jobType.getString("SecurePrintPassword"), "0042");
+
+  // Without a passcode the set-up makes one up, and it is said once, on standard error.
+  run = VarnoPrint("--job-type secure", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  const std::string made =
+      PrintedTicket(run)->dictionary("com.varno.print.JobType")->getString("SecurePrintPassword").value_or("");
+  ASSERT_EQ(made.size(), 4u);
+  const std::string said = run.all.substr(run.out.size());
+  EXPECT_NE(said.find(made), std::string::npos) << said;
+  EXPECT_EQ(said.find(made), said.rfind(made)) << "said once";
+
+  run = VarnoPrint("--job-type mailbox --mailbox 7 --job-name 'Board minutes' --passcode 2468", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  jobType = PrintedTicket(run)->dictionary("com.varno.print.JobType").value_or(plist::Dictionary{});
+  EXPECT_EQ(jobType.getString("SavedJobLocation"), "7");
+  EXPECT_EQ(jobType.getString("SavedJobName"), "Board minutes");
+  EXPECT_EQ(jobType.getBoolean("UseJobName"), false);
+  EXPECT_EQ(jobType.getString("SecurePrintPassword"), "2468");
+
+  // A minute ago is tomorrow at that minute, in seconds since 1904 local time.
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  const long long localNow = static_cast<long long>(now) + local.tm_gmtoff + 2082844800LL;
+  const long long minuteAgo = localNow - 60 - (localNow - 60) % 60;
+  char hhmm[8];
+  std::snprintf(hhmm, sizeof hhmm, "%02lld:%02lld", minuteAgo % 86400 / 3600, minuteAgo % 3600 / 60);
+  run = VarnoPrint(std::string("--job-type delayed --print-at ") + hhmm, dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  long long expected = localNow - localNow % 86400 + minuteAgo % 86400;
+  if (expected < localNow) expected += 86400;
+  EXPECT_EQ(PrintedTicket(run)->dictionary("com.varno.print.JobType")->getNumber<long long>("DelayedPrintTime"),
+            expected);
 }
 
 }  // namespace

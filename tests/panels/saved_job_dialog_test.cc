@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -61,6 +63,8 @@ class SavedJobDialog : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(bundle_);
+    // The console log comes to standard error, where the tests read it.
+    ::setenv("VARNO_CONSOLE_LOG", "stderr", 1);
     context_.bundle = bundle_;
     context_.jobType = kSavedJob;
   }

@@ -5,6 +5,7 @@
 #include "panels/paper_output/delayed_print_setup.h"
 #include "panels/paper_output/finishing_menu.h"
 #include "panels/paper_output/paper_output_panel.h"
+#include "panels/paper_output/saved_job_dialog.h"
 #include "panels/paper_output/secure_print_setup.h"
 #include "panels/paper_output/separators_dialog.h"
 #include "platform/toolkit/automation.h"
@@ -22,7 +23,7 @@ namespace {
 void RunJobTypeSetup(PaperOutputContext* panel) {
   switch (panel->jobType) {
     case kSavedJob:
-      // The saved job dialog comes with the job type set-ups; until then nothing opens.
+      RunModalSavedJobDialog(panel);
       break;
     case kFaxJob:
       if (!panel->faxOptions) panel->faxOptions = plist::Dictionary{};

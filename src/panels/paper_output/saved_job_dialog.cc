@@ -14,6 +14,7 @@
 
 #include "host/dialog_host.h"
 #include "platform/plist/text.h"
+#include "platform/system/console_log.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/character_set.h"
 #include "platform/toolkit/event.h"
@@ -192,7 +193,7 @@ void RestoreUIValuesFromData(SavedJobDialog& dialog) {
   }
   for (Control* control : dialog.passcodeControls) control->setEnabled(dialog.secure != 0);
   EnableOK(dialog);
-  std::fputs("Values restored.\n", stderr);
+  sys::ConsoleLog("Values restored.");
 }
 
 void SaveUIValuesToData(SavedJobDialog& dialog) {
