@@ -2,6 +2,7 @@
 // varno-print-dialog driven as a person drives it: real Qt mouse and key events on the
 // rendered widgets. The tickets it gives are compared with varno-print's for the same
 // choices; every panel and dialog is photographed into <build>/screenshots.
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -606,6 +607,55 @@ class PrintDialogTest : public QObject {
     toolkit::Control* summary =
         dialog_->frameWindow().findByID({panels::kPaperOutputSignature, panels::kFinishingSummaryViewID});
     QVERIFY2(summary->text().find("Coil Binding: Top Edge") != std::string::npos, summary->text().c_str());
+  }
+
+  // Choosing "Save to Mailbox" opens its set-up at once; the folder, name and passcode are
+  // typed as a person types them, and the ticket is varno-print's for the same values.
+  void jobTypeSetUpGivesVarnoPrintsTicket() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    auto* jobType = qobject_cast<QComboBox*>(widget({panels::kPaperOutputSignature, panels::kJobTypePopupID}));
+    QVERIFY(jobType);
+    Steps steps;
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      QList<QLineEdit*> fields;
+      for (QLineEdit* field : modal->findChildren<QLineEdit*>())
+        if (field->isVisible()) fields.push_back(field);
+      // The two combo boxes' fields first (name, folder), then the two passcode fields.
+      std::sort(fields.begin(), fields.end(), [](QLineEdit* a, QLineEdit* b) {
+        return a->mapToGlobal(QPoint()).y() < b->mapToGlobal(QPoint()).y();
+      });
+      QCOMPARE(fields.size(), 4);
+      QTest::keyClicks(fields[0], "Minutes");
+      QTest::keyClicks(fields[1], "12");
+      auto* secure = modal->findChild<QCheckBox*>();
+      QVERIFY(secure);
+      QTest::mouseClick(secure, Qt::LeftButton, {}, QPoint(6, secure->height() / 2));
+      QTest::keyClicks(fields[2], "2468");
+      QTest::keyClicks(fields[3], "2468");
+      QCOMPARE(fields[2]->echoMode(), QLineEdit::Password);
+      QCOMPARE(fields[3]->echoMode(), QLineEdit::Password);
+      Photograph(modal, "dialog-saved-job");
+      ClickButton(modal, "OK");
+    });
+    // The pop-up's list, opened; the arrow keys move in it without choosing, Return chooses.
+    jobType->setFocus();
+    jobType->showPopup();
+    const int target = jobType->findText("Save to Mailbox");
+    QVERIFY(target >= 0);
+    QAbstractItemView* list = jobType->view();
+    while (list->currentIndex().row() != target) QTest::keyClick(list, Qt::Key_Down);
+    QTest::keyClick(list, Qt::Key_Return);
+    QTRY_VERIFY(steps.done());
+    QTRY_VERIFY(!ModalDialog(dialog_.get()));
+    QCOMPARE(jobType->currentText(), QString("Save to Mailbox"));
+
+    const QString saved = saveSettings("mailbox.plist");
+    QVERIFY2(QFileInfo::exists(saved), qPrintable(dialog_->statusText()));
+    CompareTickets(Load(saved), VarnoPrintTicket(folder_.path(), {"-n", "1"},
+                                                 {"--job-type", "mailbox", "--mailbox", "12", "--job-name",
+                                                  "Minutes", "--passcode", "2468"}));
   }
 
   void helpOpensTheBundlesPages() {
