@@ -188,8 +188,10 @@ TEST(SamplePrinter, IsOursOffersEveryMappedOptionAndPassesCupsTestPPD) {
 
   if (std::system("command -v cupstestppd >/dev/null 2>&1") != 0)
     GTEST_SKIP() << "cupstestppd is not installed";
-  for (const std::filesystem::path& file : {kSample, kNoFinisher, kBookletFax, kOtherMaker,
-                                            kFixtures / "Varno-UnknownChoice.ppd"}) {
+  for (const std::filesystem::path& file :
+       {kSample, kNoFinisher, kBookletFax, kOtherMaker, kFixtures / "Varno-UnknownChoice.ppd",
+        kFixtures / "Varno-BookletFolder.ppd", kFixtures / "Varno-CoilSquareFold.ppd",
+        kFixtures / "Varno-FinisherModules.ppd"}) {
     std::string command = "cupstestppd -W all -q '" + file.string() + "'";
     EXPECT_EQ(std::system(command.c_str()), 0) << command;
   }
