@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -11,9 +12,7 @@
 #include "panels/paper_output/coil_binding_dialog.h"
 #include "panels/paper_output/custom_finishing_dialog.h"
 #include "panels/paper_output/offset_dialog.h"
-#include "platform/plist/file.h"
 #include "platform/print/session.h"
-#include "platform/print/ticket_access.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/automation_script.h"
@@ -30,8 +29,17 @@ using toolkit::Window;
 // Backspaces enough to empty any field of these dialogs.
 const std::string kClear(8, '\b');
 
-toolkit::URefCon Ref(std::int32_t value) {
-  return static_cast<toolkit::URefCon>(static_cast<std::intptr_t>(value));
+toolkit::AutomationScript& script() { return toolkit::Application::shared().script(); }
+void Choose(toolkit::ControlID popup, std::int32_t value) {
+  script().chooseMenuItemByRefCon(popup, static_cast<toolkit::URefCon>(value));
+}
+// Queues a look at the open dialog; what `see` returns is added to `seen`.
+template <typename Seen, typename See>
+void Peek(std::vector<Seen>& seen, See see) {
+  script().add("peek", [&seen, see](Window& window) {
+    seen.push_back(see(window));
+    return noErr;
+  });
 }
 
 class FinishingDialogs : public ::testing::Test {
@@ -48,19 +56,10 @@ class FinishingDialogs : public ::testing::Test {
     script().clear();
     toolkit::HeadlessAlerts().clear();
   }
-  static toolkit::AutomationScript& script() { return toolkit::Application::shared().script(); }
-  // Queues a look at the open dialog; `see` writes what it saw into `seen`.
-  template <typename Seen>
-  void peek(std::vector<Seen>& seen, std::function<Seen(Window&)> see) {
-    script().add("peek", [&seen, see](Window& window) {
-      seen.push_back(see(window));
-      return noErr;
-    });
-  }
-  void expectScriptRan(std::size_t failures = 0) {
-    EXPECT_EQ(script().failures().size(), failures);
-    EXPECT_EQ(script().pending(), 0u);
-    script().clear();
+
+  // The context's offset, whether subsets are offset, and the pages per subset.
+  auto offsetStored() {
+    return std::tie(context_.offset, context_.offsetEnableSubset, context_.offsetPagesPerSubset);
   }
 
   print::Session session_;
@@ -70,32 +69,17 @@ class FinishingDialogs : public ::testing::Test {
 
 // --- Offset/Subset ----------------------------------------------------------------------
 
-struct OffsetSeen {
-  std::int32_t offset;
-  std::int32_t checked;
-  std::string pages;
-  std::int32_t spin;
-  bool enabled;  // field and arrows alike
-  bool focused;  // the field holds the focus
-  bool operator==(const OffsetSeen&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const OffsetSeen& s) {
-  return out << "{offset " << s.offset << ", checked " << s.checked << ", \"" << s.pages
-             << "\", spin " << s.spin << (s.enabled ? ", enabled" : ", disabled")
-             << (s.focused ? ", focused}" : "}");
-}
+// Offset, subsets box, pages field, arrows, whether field and arrows are enabled, and
+// whether the field holds the focus.
+using OffsetSeen = std::tuple<std::int32_t, std::int32_t, std::string, std::int32_t, bool, bool>;
 
 OffsetSeen SeeOffset(Window& window) {
   toolkit::Control* field = window.findByID(kOffsetPagesFieldID);
   toolkit::Control* spin = window.findByID(kOffsetPagesSpinID);
   EXPECT_EQ(field->isEnabled(), spin->isEnabled()) << "the field and its arrows go together";
-  return {vocabulary::GetPopupButtonTicketValue(window.findByID(kOffsetPopupID)),
-          window.findByID(kOffsetSubsetCheckBoxID)->value(),
-          field->text(),
-          spin->value(),
-          field->isEnabled(),
-          window.focus() == field};
+  return std::make_tuple(vocabulary::GetPopupButtonTicketValue(window.findByID(kOffsetPopupID)),
+                         window.findByID(kOffsetSubsetCheckBoxID)->value(), field->text(),
+                         spin->value(), field->isEnabled(), window.focus() == field);
 }
 
 TEST_F(FinishingDialogs, OffsetChoicesKeepSubsetsInStepAndRememberThePages) {
@@ -103,293 +87,166 @@ TEST_F(FinishingDialogs, OffsetChoicesKeepSubsetsInStepAndRememberThePages) {
   context_.offsetEnableSubset = 0;
   context_.offsetPagesPerSubset = 25;
   std::vector<OffsetSeen> seen;
-  const auto look = [&] { peek<OffsetSeen>(seen, SeeOffset); };
+  const auto look = [&] { Peek(seen, SeeOffset); };
   look();
   script().typeText(kOffsetPagesFieldID, "3");  // refused: the field is dimmed
-  script().chooseMenuItemByRefCon(kOffsetPopupID, Ref(kOffsetEachSubset));
+  Choose(kOffsetPopupID, kOffsetEachSubset);
   look();
   script().typeText(kOffsetPagesFieldID, kClear + "7");
   look();
   script().click(kOffsetPagesSpinID, toolkit::kControlUpButtonPart);
   look();
-  script().click(kOffsetSubsetCheckBoxID);
-  look();
-  script().click(kOffsetSubsetCheckBoxID);
-  look();
-  script().chooseMenuItemByRefCon(kOffsetPopupID, Ref(kOffsetEachSet));
-  look();
-  script().chooseMenuItemByRefCon(kOffsetPopupID, Ref(kOffsetSetsAndSubsets));
-  look();
-  script().chooseMenuItemByRefCon(kOffsetPopupID, Ref(kOffsetPrinterDefault));
-  look();
+  for (int i = 0; i < 2; ++i) {
+    script().click(kOffsetSubsetCheckBoxID);
+    look();
+  }
+  for (std::int32_t offset : {kOffsetEachSet, kOffsetSetsAndSubsets, kOffsetPrinterDefault}) {
+    Choose(kOffsetPopupID, offset);
+    look();
+  }
+  script().typeText(kOffsetPagesFieldID, kClear + "0");  // Cancel does not check the count
   script().sendCommand(toolkit::kHICommandCancel);
   ASSERT_EQ(RunModalOffsetFinishingDialog(&context_), noErr);
-  expectScriptRan(1);
-
-  const std::vector<OffsetSeen> expected = {
-      {kOffsetNone, 0, "", 0, false, false},
-      {kOffsetEachSubset, 1, "25", 25, true, true},  // the stored count comes back
-      {kOffsetEachSubset, 1, "7", 7, true, true},    // the arrows follow the typing
-      {kOffsetEachSubset, 1, "8", 8, true, true},    // and the field the arrows
-      {kOffsetEachSet, 0, "", 0, false, false},      // box off: subsets no longer offset
-      {kOffsetEachSet, 1, "8", 8, true, true},       // box on: the last count again
-      {kOffsetEachSet, 0, "", 0, false, false},
-      {kOffsetSetsAndSubsets, 1, "8", 8, true, true},
-      {kOffsetPrinterDefault, 1, "8", 8, true, true},  // the box stays as it was
-  };
-  EXPECT_EQ(seen, expected);
-  EXPECT_EQ(std::tie(context_.offset, context_.offsetEnableSubset, context_.offsetPagesPerSubset),
-            std::make_tuple(kOffsetNone, 0, 25))
-      << "Cancel changes nothing";
+  EXPECT_EQ(script().failures().size(), 1u);
+  EXPECT_TRUE(toolkit::HeadlessAlerts().notices().empty());
+  EXPECT_EQ(seen, (std::vector<OffsetSeen>{
+                      {kOffsetNone, 0, "", 0, false, false},
+                      {kOffsetEachSubset, 1, "25", 25, true, true},  // the stored count comes back
+                      {kOffsetEachSubset, 1, "7", 7, true, true},    // the arrows follow the typing
+                      {kOffsetEachSubset, 1, "8", 8, true, true},    // and the field the arrows
+                      {kOffsetEachSet, 0, "", 0, false, false},      // box off: no subset offset
+                      {kOffsetEachSet, 1, "8", 8, true, true},       // box on: the last count again
+                      {kOffsetEachSet, 0, "", 0, false, false},
+                      {kOffsetSetsAndSubsets, 1, "8", 8, true, true},
+                      {kOffsetPrinterDefault, 1, "8", 8, true, true},  // the box stays as it was
+                  }));
+  EXPECT_EQ(offsetStored(), std::make_tuple(kOffsetNone, 0, 25)) << "Cancel changes nothing";
 }
 
 TEST_F(FinishingDialogs, OffsetOKStoresWhatItShowsWithinTheLimits) {
-  struct Case {
+  using Stored = std::tuple<std::int32_t, std::int32_t, std::int32_t>;  // offset, subsets, pages
+  const std::int32_t deflt = kOffsetPrinterDefault, sets = kOffsetEachSet,
+                     subsets = kOffsetEachSubset, both = kOffsetSetsAndSubsets;
+  const struct Case {
     const char* what;
-    std::int32_t offset, enabled, pages;  // before
-    std::function<void()> steps;
-    std::size_t notices;
-    std::int32_t offsetAfter, enabledAfter, pagesAfter;
+    Stored before;
+    bool clickBox;        // first click the subsets box,
+    const char* typed;    // then type the pages (null: don't),
+    std::int32_t chosen;  // then choose an offset (0: don't), then OK.
+    Stored after;         // {}: OK is refused
   } cases[] = {
-      {"a new job's subsets start at one page", kOffsetPrinterDefault, 0, 1,
-       [] { script().chooseMenuItemByRefCon(kOffsetPopupID, Ref(kOffsetSetsAndSubsets)); }, 0,
-       kOffsetSetsAndSubsets, 1, 1},
-      {"typed pages", kOffsetPrinterDefault, 0, 1,
-       [] {
-         script().click(kOffsetSubsetCheckBoxID);
-         script().typeText(kOffsetPagesFieldID, kClear + "99999");
-       },
-       0, kOffsetPrinterDefault, 1, 99999},
-      {"a sixth digit cannot be typed", kOffsetEachSubset, 1, 4,
-       [] { script().typeText(kOffsetPagesFieldID, kClear + "123456"); }, 0, kOffsetEachSubset, 1,
-       12345},
-      {"sets only keeps the stored pages", kOffsetSetsAndSubsets, 1, 12,
-       [] {
-         script().typeText(kOffsetPagesFieldID, kClear + "40");
-         script().chooseMenuItemByRefCon(kOffsetPopupID, Ref(kOffsetEachSet));
-       },
-       0, kOffsetEachSet, 0, 12},
-      {"zero pages refused, then fixed", kOffsetEachSubset, 1, 5,
-       [] {
-         script().typeText(kOffsetPagesFieldID, kClear + "0");
-         script().sendCommand(toolkit::kHICommandOK);
-         script().typeText(kOffsetPagesFieldID, kClear + "3");
-       },
-       1, kOffsetEachSubset, 1, 3},
-      {"an empty field refused", kOffsetEachSubset, 1, 5,
-       [] {
-         script().typeText(kOffsetPagesFieldID, kClear);
-         script().sendCommand(toolkit::kHICommandOK);
-         script().sendCommand(toolkit::kHICommandCancel);
-       },
-       1, kOffsetEachSubset, 1, 5},
-      {"a stored offset the menu lacks stays", 9, 0, 3, [] {}, 0, 9, 0, 3},
-      {"Cancel after changes", kOffsetEachSet, 0, 6,
-       [] {
-         script().chooseMenuItemByRefCon(kOffsetPopupID, Ref(kOffsetEachSubset));
-         script().typeText(kOffsetPagesFieldID, "0");
-         script().sendCommand(toolkit::kHICommandCancel);
-       },
-       0, kOffsetEachSet, 0, 6},
+      {"count out of range: 1", {deflt, 0, 0}, false, nullptr, both, {both, 1, 1}},
+      {"largest count", {deflt, 0, 1}, true, "99999", 0, {deflt, 1, 99999}},
+      {"no sixth digit", {subsets, 1, 4}, false, "123456", 0, {subsets, 1, 12345}},
+      {"smallest count", {subsets, 1, 5}, false, "1", 0, {subsets, 1, 1}},
+      {"sets only keep the stored count", {both, 1, 12}, false, "40", sets, {sets, 0, 12}},
+      {"an offset the menu lacks stays", {9, 0, 3}, false, nullptr, 0, {9, 0, 3}},
+      {"zero pages refused", {subsets, 1, 5}, false, "0", 0, {}},
+      {"an empty field refused", {subsets, 1, 5}, false, "", 0, {}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     toolkit::HeadlessAlerts().clear();
-    context_.offset = c.offset;
-    context_.offsetEnableSubset = c.enabled;
-    context_.offsetPagesPerSubset = c.pages;
-    c.steps();
+    offsetStored() = c.before;
+    if (c.clickBox) script().click(kOffsetSubsetCheckBoxID);
+    if (c.typed) script().typeText(kOffsetPagesFieldID, kClear + c.typed);
+    if (c.chosen) Choose(kOffsetPopupID, c.chosen);
     script().sendCommand(toolkit::kHICommandOK);
+    script().sendCommand(toolkit::kHICommandCancel);  // reached only when OK was refused
+    const bool refused = c.after == Stored{};
     ASSERT_EQ(RunModalOffsetFinishingDialog(&context_), noErr);
-    EXPECT_EQ(toolkit::HeadlessAlerts().notices().size(), c.notices);
-    EXPECT_EQ(std::tie(context_.offset, context_.offsetEnableSubset, context_.offsetPagesPerSubset),
-              std::tie(c.offsetAfter, c.enabledAfter, c.pagesAfter));
+    EXPECT_EQ(script().pending(), refused ? 0u : 1u);
+    EXPECT_EQ(toolkit::HeadlessAlerts().notices().size(), refused ? 1u : 0u);
+    EXPECT_EQ(offsetStored(), refused ? c.before : c.after);
     script().clear();
   }
 }
 
 // --- Custom finishing -------------------------------------------------------------------
 
-struct CustomSeen {
-  std::string text;
-  bool okEnabled;
-  bool focused;
-  bool operator==(const CustomSeen&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const CustomSeen& s) {
-  return out << "{\"" << s.text << "\"" << (s.okEnabled ? ", OK" : ", no OK")
-             << (s.focused ? ", focused}" : "}");
-}
-
-CustomSeen SeeCustom(Window& window) {
-  toolkit::Control* field = window.findByID(kCustomFinishingFieldID);
-  return {field->text(), window.findByID(kCustomFinishingOKButtonID)->isEnabled(),
-          window.focus() == field};
-}
+// The field's text, whether OK can be clicked, whether the field holds the focus.
+using CustomSeen = std::tuple<std::string, bool, bool>;
 
 TEST_F(FinishingDialogs, CustomOKNeedsTextOfAtMostThirtyCharacters) {
-  const std::string thirty = [] {
-    std::string text;
-    for (int i = 0; i < 30; ++i) text += "Ä";  // two bytes, one character
-    return text;
-  }();
-  struct Case {
-    const char* what;
-    std::string before;
-    std::function<void(const std::function<void()>& look)> steps;  // OK follows them
-    std::vector<CustomSeen> seen;  // at the start, then at each look
-    std::size_t failures;
-    std::int32_t optionsAfter;
-    std::string textAfter;
-  } cases[] = {
-      {"typed into an empty field",
-       "",
-       [](const auto& look) {
-         script().typeText(kCustomFinishingFieldID, "Tape bind");
-         look();
-       },
-       {{"", false, true}, {"Tape bind", true, true}},
-       0,
-       kCustomFinishingOptions,
-       "Tape bind"},
-      {"the 31st character is refused",
-       "",
-       [&](const auto& look) {
-         script().typeText(kCustomFinishingFieldID, thirty + "ÄB");
-         look();
-       },
-       {{"", false, true}, {thirty, true, true}},
-       0,
-       kCustomFinishingOptions,
-       thirty},
-      {"emptied: OK is refused until something is typed",
-       "Fold",
-       [](const auto& look) {
-         script().typeText(kCustomFinishingFieldID, kClear);
-         look();
-         script().click(kCustomFinishingOKButtonID);   // dimmed: the click fails
-         script().sendCommand(toolkit::kHICommandOK);  // a key equivalent is refused
-         look();
-         script().typeText(kCustomFinishingFieldID, "Trim");
-         look();
-       },
-       {{"Fold", true, true}, {"", false, true}, {"", false, true}, {"Trim", true, true}},
-       1,
-       kCustomFinishingOptions,
-       "Trim"},
-      {"Cancel keeps the instruction",
-       "Fold",
-       [](const auto& look) {
-         script().typeText(kCustomFinishingFieldID, "ed");
-         look();
-         script().sendCommand(toolkit::kHICommandCancel);
-       },
-       {{"Fold", true, true}, {"Folded", true, true}},
-       0,
-       7,
-       "Fold"},
+  std::string thirty;
+  for (int i = 0; i < 30; ++i) thirty += "Ä";  // two bytes, one character
+  const auto see = [](Window& window) {
+    toolkit::Control* field = window.findByID(kCustomFinishingFieldID);
+    return CustomSeen{field->text(), window.findByID(kCustomFinishingOKButtonID)->isEnabled(),
+                      window.focus() == field};
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    context_.finishingOptions = 7;
-    context_.customFinishing = c.before;
-    std::vector<CustomSeen> seen;
-    const auto look = [&] { peek<CustomSeen>(seen, SeeCustom); };
-    look();
-    c.steps(look);
-    script().sendCommand(toolkit::kHICommandOK);
-    ASSERT_EQ(RunModalCustomFinishingDialog(&context_), noErr);
-    EXPECT_EQ(seen, c.seen);
-    EXPECT_EQ(script().failures().size(), c.failures);
-    EXPECT_EQ(context_.finishingOptions, c.optionsAfter);
-    EXPECT_EQ(context_.customFinishing, c.textAfter);
-    script().clear();
-  }
+  // Emptied, OK is refused until something is typed, and the 31st character is refused.
+  context_.finishingOptions = 7;
+  context_.customFinishing = "Fold";
+  std::vector<CustomSeen> seen;
+  Peek(seen, see);
+  script().typeText(kCustomFinishingFieldID, kClear);
+  Peek(seen, see);
+  script().click(kCustomFinishingOKButtonID);   // dimmed: the click fails
+  script().sendCommand(toolkit::kHICommandOK);  // a key equivalent is refused
+  script().typeText(kCustomFinishingFieldID, thirty + "ÄB");
+  Peek(seen, see);
+  script().sendCommand(toolkit::kHICommandOK);
+  ASSERT_EQ(RunModalCustomFinishingDialog(&context_), noErr);
+  EXPECT_EQ(seen, (std::vector<CustomSeen>{
+                      {"Fold", true, true}, {"", false, true}, {thirty, true, true}}));
+  EXPECT_EQ(script().failures().size(), 1u);
+  EXPECT_EQ(std::tie(context_.finishingOptions, context_.customFinishing),
+            std::make_tuple(kCustomFinishingOptions, thirty));
+  script().clear();
+
+  // An empty instruction starts without OK; Cancel keeps what was stored.
+  context_.finishingOptions = 7;
+  context_.customFinishing = "";
+  seen.clear();
+  Peek(seen, see);
+  script().typeText(kCustomFinishingFieldID, "Tape bind");
+  Peek(seen, see);
+  script().sendCommand(toolkit::kHICommandCancel);
+  ASSERT_EQ(RunModalCustomFinishingDialog(&context_), noErr);
+  EXPECT_EQ(seen, (std::vector<CustomSeen>{{"", false, true}, {"Tape bind", true, true}}));
+  EXPECT_EQ(std::tie(context_.finishingOptions, context_.customFinishing),
+            std::make_tuple(7, std::string()));
 }
 
 // --- Coil binding -----------------------------------------------------------------------
 
-TEST_F(FinishingDialogs, CoilOKCopiesTheChoicesAndThePictureFollowsTheEdge) {
-  CoilBinding coil;
-  std::vector<std::tuple<std::string, std::string>> seen;  // margin field, picture
-  const auto look = [&] {
-    peek<std::tuple<std::string, std::string>>(seen, [](Window& window) {
-      return std::make_tuple(window.findByID(kCoilMarginFieldID)->text(),
-                             window.findByID(kCoilPictureID)->pictureName());
-    });
+TEST_F(FinishingDialogs, CoilOKTakesTheChoicesAndAMarginWithinTheLimits) {
+  // The margin typed, and what OK stores of it (nullopt: refused). "12345": a fifth
+  // character cannot be typed, so 1234 is refused.
+  const std::pair<const char*, std::optional<std::int32_t>> cases[] = {
+      {"3.4", {}},  {"3.5", 35}, {"6.5", 65}, {"6.6", {}},  {"5", 50},    {"4,50", 45},
+      {"4.55", {}}, {"", {}},    {".", {}},   {"4.5.", {}}, {"12345", {}}};
+  const auto see = [](Window& window) {  // the margin field and the picture
+    return std::make_tuple(window.findByID(kCoilMarginFieldID)->text(),
+                           window.findByID(kCoilPictureID)->pictureName());
   };
-  look();
-  script().chooseMenuItemByRefCon(kCoilEdgePopupID, Ref(kCoilTopEdge));
-  script().chooseMenuItemByRefCon(kCoilPitchPopupID, Ref(kCoilPitch5mm));
-  script().typeText(kCoilMarginFieldID, kClear + "5,5");
-  look();
-  script().sendCommand(toolkit::kHICommandOK);
-  ASSERT_TRUE(RunModalCoilBindingDialog(bundle_, &coil));
-  expectScriptRan();
-  EXPECT_EQ(coil, (CoilBinding{kCoilTopEdge, kCoilPitch5mm, 55}));
-  using Seen = std::tuple<std::string, std::string>;
-  EXPECT_EQ(seen, (std::vector<Seen>{{"4.5", "Finishing_CoilBinding_LeftEdge.gif"},
-                                     {"5,5", "Finishing_CoilBinding_TopEdge.gif"}}));
-
-  const CoilBinding before{kCoilRightEdge, kCoilPitch4To1, 60};
-  coil = before;
-  script().chooseMenuItemByRefCon(kCoilEdgePopupID, Ref(kCoilLeftEdge));
-  script().typeText(kCoilMarginFieldID, kClear + "4");
-  script().sendCommand(toolkit::kHICommandCancel);
-  EXPECT_FALSE(RunModalCoilBindingDialog(bundle_, &coil));
-  EXPECT_EQ(coil, before) << "Cancel changes nothing";
-
-  EXPECT_EQ(CoilBindingSummary(bundle_, CoilBinding{}), "Coil Binding: Left Edge, 4:1 Pitch");
-  EXPECT_EQ(CoilBindingSummary(bundle_, before), "Coil Binding: Right Edge, 4:1 Pitch");
+  for (const auto& [typed, margin] : cases) {
+    SCOPED_TRACE(typed);
+    toolkit::HeadlessAlerts().clear();
+    CoilBinding coil;
+    std::vector<std::tuple<std::string, std::string>> seen;
+    Peek(seen, see);
+    Choose(kCoilEdgePopupID, kCoilTopEdge);
+    Choose(kCoilPitchPopupID, kCoilPitch5mm);
+    script().typeText(kCoilMarginFieldID, kClear + typed);
+    Peek(seen, see);
+    script().sendCommand(toolkit::kHICommandOK);
+    script().sendCommand(toolkit::kHICommandCancel);  // reached only when OK was refused
+    EXPECT_EQ(RunModalCoilBindingDialog(bundle_, &coil), margin.has_value());
+    EXPECT_TRUE(script().failures().empty());
+    EXPECT_EQ(script().pending(), margin ? 1u : 0u) << "a refused OK keeps the dialog open";
+    EXPECT_EQ(toolkit::HeadlessAlerts().notices().size(), margin ? 0u : 1u);
+    EXPECT_EQ(coil, (margin ? CoilBinding{kCoilTopEdge, kCoilPitch5mm, *margin} : CoilBinding{}));
+    EXPECT_EQ(std::get<1>(seen.at(1)), "Finishing_CoilBinding_TopEdge.gif");
+    EXPECT_EQ(seen.at(0), std::make_tuple("4.5", "Finishing_CoilBinding_LeftEdge.gif"));
+    script().clear();
+  }
   EXPECT_EQ(CoilBindingSummary(bundle_, CoilBinding{kCoilTopEdge, kCoilPitch5mm, 40}),
             "Coil Binding: Top Edge, 5 mm Pitch");
 }
 
-TEST_F(FinishingDialogs, CoilMarginsOutsideTheLimitsAreRefused) {
-  struct Case {
-    const char* typed;
-    std::optional<std::int32_t> margin;  // nullopt: refused
-  } cases[] = {
-      {"3.4", std::nullopt},
-      {"3.5", 35},
-      {"6.5", 65},
-      {"6.6", std::nullopt},
-      {"5", 50},
-      {"4,50", 45},
-      {"4.55", std::nullopt},
-      {"", std::nullopt},
-      {".", std::nullopt},
-      {"4.5.", std::nullopt},
-      {"12345", std::nullopt},  // a fifth character cannot be typed: 1234
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.typed);
-    toolkit::HeadlessAlerts().clear();
-    CoilBinding coil{kCoilTopEdge, kCoilPitch5mm, 40};
-    script().typeText(kCoilMarginFieldID, kClear + c.typed);
-    script().sendCommand(toolkit::kHICommandOK);
-    script().sendCommand(toolkit::kHICommandCancel);  // reached only when OK was refused
-    EXPECT_EQ(RunModalCoilBindingDialog(bundle_, &coil), c.margin.has_value());
-    EXPECT_EQ(toolkit::HeadlessAlerts().notices().size(), c.margin ? 0u : 1u);
-    EXPECT_EQ(coil, (CoilBinding{kCoilTopEdge, kCoilPitch5mm, c.margin.value_or(40)}));
-    script().clear();
-  }
-}
-
 // --- All three --------------------------------------------------------------------------
-
-// The "TitleKey" strings of an interface file, at any depth.
-void CollectTitleKeys(const plist::Value& value, std::vector<std::string>& keys) {
-  if (const plist::Dictionary* d = value.asDictionary()) {
-    for (const auto& [key, entry] : *d) {
-      if (key == "TitleKey" && entry.asString()) keys.push_back(*entry.asString());
-      CollectTitleKeys(entry, keys);
-    }
-  } else if (const plist::Array* a = value.asArray()) {
-    for (std::size_t i = 0; i < a->size(); ++i) CollectTitleKeys((*a)[i], keys);
-  }
-}
 
 // Texts of the tree that the code looked up and did not find.
 void CollectMissingTexts(const toolkit::Control& control, std::vector<std::string>& missing) {
@@ -404,15 +261,12 @@ void CollectMissingTexts(const toolkit::Control& control, std::vector<std::strin
 }
 
 TEST_F(FinishingDialogs, EachDialogOpensItsOwnHelpPageAndFindsAllItsTexts) {
-  const std::vector<std::tuple<const char*, std::function<void()>>> dialogs = {
-      {kOffsetHelpPage, [this] { EXPECT_EQ(RunModalOffsetFinishingDialog(&context_), noErr); }},
+  CoilBinding coil;
+  const std::pair<const char*, std::function<bool()>> dialogs[] = {
+      {kOffsetHelpPage, [this] { return RunModalOffsetFinishingDialog(&context_) == noErr; }},
       {kCustomFinishingHelpPage,
-       [this] { EXPECT_EQ(RunModalCustomFinishingDialog(&context_), noErr); }},
-      {kCoilHelpPage,
-       [this] {
-         CoilBinding coil;
-         EXPECT_FALSE(RunModalCoilBindingDialog(bundle_, &coil));
-       }},
+       [this] { return RunModalCustomFinishingDialog(&context_) == noErr; }},
+      {kCoilHelpPage, [&] { return !RunModalCoilBindingDialog(bundle_, &coil); }},  // cancelled
   };
   for (const auto& [page, run] : dialogs) {
     SCOPED_TRACE(page);
@@ -424,25 +278,12 @@ TEST_F(FinishingDialogs, EachDialogOpensItsOwnHelpPageAndFindsAllItsTexts) {
     });
     script().sendCommand(MakeOSType("Vhlp"));
     script().sendCommand(toolkit::kHICommandCancel);
-    run();
-    expectScriptRan();
+    EXPECT_TRUE(run());
+    EXPECT_TRUE(script().failures().empty());
+    EXPECT_EQ(script().pending(), 0u);
     EXPECT_EQ(missing, std::vector<std::string>{});
     ASSERT_EQ(toolkit::HeadlessAlerts().helpRequests().size(), 1u);
     EXPECT_EQ(toolkit::HeadlessAlerts().helpRequests()[0].page, page);
-  }
-  // A key the layouts name but the table lacks would show as the key itself.
-  for (const char* file : {"OffsetSelection", "Finishing"}) {
-    SCOPED_TRACE(file);
-    std::optional<std::filesystem::path> path =
-        bundle_->resourcePath(std::string(file) + ".interface.plist");
-    ASSERT_TRUE(path);
-    std::optional<plist::Dictionary> layout = plist::ReadDictionaryFile(*path);
-    ASSERT_TRUE(layout);
-    std::vector<std::string> keys;
-    CollectTitleKeys(plist::Value(*layout), keys);
-    EXPECT_GE(keys.size(), 5u);
-    for (const std::string& key : keys)
-      EXPECT_NE(bundle_->localizedString(key, "Localizable", "?"), "?") << key;
   }
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// The booklet creation dialog, driven as a person would on the built plug-in's own window
-// and strings, on printers with and without a booklet maker.
+// The booklet creation dialog, driven as a person would on the built plug-in's own window.
 #include "ui/booklet_creation_dialog.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -15,9 +15,7 @@
 #include "platform/print/ticket_access.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/application.h"
-#include "platform/toolkit/automation.h"
 #include "platform/toolkit/automation_script.h"
-#include "platform/toolkit/text_editing.h"
 #include "platform/toolkit/window.h"
 #include "support/temp_dir.h"
 #include "vocabulary/installable_options.h"
@@ -31,19 +29,26 @@ using toolkit::Window;
 
 constexpr const char* kBookletMakerPPD = VARNO_TEST_DATA_DIR "/ppd/Varno-BookletFaxPunch.ppd";
 constexpr std::int32_t kA3 = 5;
-const std::string kErase(3, toolkit::kBackspaceCharCode);
+const std::string kErase(3, '\b');
+const plist::Value kPage(plist::Dictionary{{"PageNumber", 3}});
+
+// For each control: '1' a person can reach it, '0' shown but out of reach, '-' hidden or absent.
+std::string Reachable(Window& window, const std::vector<ControlID>& ids) {
+  std::string seen;
+  for (ControlID id : ids) {
+    const toolkit::Control* control = window.findByID(id);
+    seen += !control || !control->isShown() ? '-' : control->isReachable() ? '1' : '0';
+  }
+  return seen;
+}
 
 class BookletCreation : public ::testing::Test {
  protected:
   void SetUp() override {
     usePrinter(VARNO_SAMPLE_PPD);
     ASSERT_TRUE(bundle_);
-    params_.bundle = bundle_;
-    panel_.ticket = &ticket_;
-    panel_.squareFold = &squareFold_;
-    panel_.trim = &trim_;
-    panel_.trimWidth = &trimWidth_;
-    panel_.finishingMenu = menu_.get();
+    // The panel lends its ticket, no staple, no trimmer, its trimmer settings and its menu.
+    panel_ = {&ticket_, false, false, &squareFold_, &trim_, &trimWidth_, menu_.get()};
     for (toolkit::MenuCommand command :
          {MakeOSType("Stp1"), MakeOSType("Stp2"), MakeOSType("Stp4"), MakeOSType("Bkcr")})
       menu_->setItemEnabled(menu_->appendItem(toolkit::OSTypeString(command), command), false);
@@ -69,13 +74,6 @@ class BookletCreation : public ::testing::Test {
       return noErr;
     });
   }
-  // Queues a look at whether a person can reach each control.
-  void peekReachable(std::vector<ControlID> ids, std::vector<bool>* reachable) {
-    peek([ids, reachable](Window& window) {
-      for (ControlID id : ids)
-        reachable->push_back(window.findByID(id) && window.findByID(id)->isReachable());
-    });
-  }
   int run() { return RunModalBookletCreationDialog(&params_, &panel_); }
   int runOK() {
     script().sendCommand(toolkit::kHICommandOK);
@@ -83,12 +81,6 @@ class BookletCreation : public ::testing::Test {
     EXPECT_TRUE(script().failures().empty()) << script().failures().front();
     script().clear();
     return status;
-  }
-  bool stapleItemsEnabled() const {
-    for (toolkit::MenuItemIndex i = 1; i <= 3; ++i) {
-      if (!menu_->item(i)->enabled) return false;
-    }
-    return true;
   }
 
   print::Session session_;
@@ -101,264 +93,145 @@ class BookletCreation : public ::testing::Test {
   BookletPanelState panel_;
 };
 
-const std::vector<ControlID> kBookletChoices = {kBookletFoldRadioID, kBookletFoldAndStapleRadioID,
-                                                kBookletLayoutRadioID};
-
-TEST_F(BookletCreation, AFoldTurnsTheLayoutOnAndNoFoldTurnsItOff) {
-  struct Case {
-    std::vector<ControlID> clicks;
+TEST_F(BookletCreation, PagesStaplesAndTrimmerDecideWhatCanBeChosenAndOkTakesTheClicks) {
+  const char *front = model::kFrontCoverKey, *back = model::kBackCoverKey,
+             *inserts = model::kInsertListKey, *exceptions = model::kExceptionListKey;
+  const plist::Value none = plist::Dictionary{}, list = plist::Array{kPage};
+  const ControlID fold = kBookletFoldRadioID, staple = kBookletFoldAndStapleRadioID,
+                  noFold = kBookletNoFoldRadioID, layout = kBookletLayoutRadioID,
+                  noLayout = kBookletLayoutNoneRadioID, outlines = kBookletOutlinesCheckBoxID,
+                  trim = kBookletTrimCheckBoxID;
+  const std::int32_t flat = kBookletNoFold, folded = kBookletFold, stapled = kBookletFoldAndStaple,
+                     on = kBookletLayoutOn, off = kBookletLayoutOff;
+  const struct Case {
+    std::vector<std::pair<const char*, plist::Value>> pages;  // the special pages
+    const char* panel;              // a "staple" chosen, a "trimmer", or neither
+    std::vector<ControlID> clicks;  // then OK
+    const char* reachable;          // fold, fold and staple, layout; square fold, trim, trim width
     std::int32_t fold, layout;
+    const char* preview;  // BookletCreation_*.gif
+    bool staplesFreed;    // the panel's staple items enabled again
   } cases[] = {
-      {{kBookletFoldRadioID}, kBookletFold, kBookletLayoutOn},
-      {{kBookletFoldAndStapleRadioID}, kBookletFoldAndStaple, kBookletLayoutOn},
-      {{kBookletFoldAndStapleRadioID, kBookletNoFoldRadioID}, kBookletNoFold, kBookletLayoutOff},
-      {{kBookletFoldRadioID, kBookletLayoutNoneRadioID}, kBookletFold, kBookletLayoutOff},
-      {{kBookletLayoutRadioID}, kBookletNoFold, kBookletLayoutOn},
+      {{}, "", {}, "111---", flat, off, "None", true},
+      {{}, "", {fold}, "111---", folded, on, "Booklet-Fold", false},
+      {{}, "", {staple}, "111---", stapled, on, "Booklet-Fold-Staple", false},
+      {{}, "", {staple, noFold}, "111---", flat, off, "None", true},
+      {{}, "", {fold, noLayout}, "111---", folded, off, "Fold", false},
+      {{}, "", {staple, noLayout}, "111---", stapled, off, "Fold-Staple", false},
+      {{}, "", {layout}, "111---", flat, on, "Booklet", false},
+      {{}, "", {layout, outlines}, "111---", flat, on, "Booklet-Outlines", false},
+      {{}, "", {staple, outlines}, "111---", stapled, on, "Booklet-Fold-Staple-Outlines", false},
+      {{}, "staple", {}, "000---", flat, off, "None", true},  // no staple through a booklet
+      {{{front, kPage}}, "", {}, "000---", flat, off, "None", true},
+      {{{inserts, list}}, "", {}, "000---", flat, off, "None", true},
+      {{{back, kPage}}, "", {}, "000---", flat, off, "None", true},
+      {{{exceptions, list}, {back, kPage}}, "", {}, "111---", flat, off, "None", true},
+      {{{exceptions, list}, {front, kPage}}, "", {}, "000---", flat, off, "None", true},
+      // A front cover that is there decides, even when empty: the inserts are not looked at.
+      {{{front, none}, {inserts, list}}, "", {}, "111---", flat, off, "None", true},
+      {{{back, none}}, "", {}, "111---", flat, off, "None", true},
+      {{}, "trimmer", {}, "111000", flat, off, "None", true},
+      {{}, "trimmer", {fold, outlines}, "111110", folded, on, "Booklet-Fold-Outlines", false},
+      {{}, "trimmer", {staple, trim}, "111111", stapled, on, "Booklet-Fold-Staple", false},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(::testing::Message() << "last click " << c.clicks.back().id);
-    params_.fold = kBookletNoFold;
-    params_.bookletLayout = kBookletLayoutOff;
-    for (ControlID id : c.clicks) script().click(id);
-    ASSERT_EQ(runOK(), noErr);
-    EXPECT_EQ(std::make_pair(params_.fold, params_.bookletLayout),
-              std::make_pair(c.fold, c.layout));
-  }
-}
-
-TEST_F(BookletCreation, SpecialPagesDecideWhetherABookletCanBeChosen) {
-  const plist::Value page(plist::Dictionary{{"PageNumber", 3}});
-  const plist::Value pages(plist::Array{page});
-  struct Case {
-    const char* what;
-    std::vector<std::pair<const char*, plist::Value>> items;
-    bool allowed;
-  } cases[] = {
-      {"no special pages", {}, true},
-      {"a front cover", {{model::kFrontCoverKey, page}}, false},
-      {"an insert", {{model::kInsertListKey, pages}}, false},
-      {"a back cover", {{model::kBackCoverKey, page}}, false},
-      {"an exception and a back cover",
-       {{model::kExceptionListKey, pages}, {model::kBackCoverKey, page}},
-       true},
-      {"an exception and a front cover",
-       {{model::kExceptionListKey, pages}, {model::kFrontCoverKey, page}},
-       false},
-      // The front cover is there, so it decides, and the inserts are not looked at.
-      {"an empty front cover and inserts",
-       {{model::kFrontCoverKey, plist::Dictionary{}}, {model::kInsertListKey, pages}},
-       true},
-      {"an empty back cover", {{model::kBackCoverKey, plist::Dictionary{}}}, true},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
+    SCOPED_TRACE(::testing::Message() << "case " << &c - cases);
     ticket_ = print::Ticket();
-    for (const auto& [key, value] : c.items)
+    for (const auto& [key, value] : c.pages)
       ASSERT_EQ(ticket_.setValue(key, value, "com.varno.print"), noErr);
-    std::vector<bool> reachable;
-    peekReachable(kBookletChoices, &reachable);
-    ASSERT_EQ(runOK(), noErr);
-    EXPECT_EQ(reachable, std::vector<bool>(3, c.allowed));
-  }
-  // The booklet options read the ticket they are given.
-  ticket_ = print::Ticket();
-  ASSERT_EQ(ticket_.setValue(model::kFrontCoverKey, page, "com.varno.print"), noErr);
-  std::vector<bool> reachable;
-  peekReachable({kBookletLayoutRadioID}, &reachable);
-  script().sendCommand(toolkit::kHICommandOK);
-  ASSERT_EQ(RunModalBookletOptionsDialog(&params_, &ticket_), noErr);
-  EXPECT_EQ(reachable, std::vector<bool>{false});
-}
-
-TEST_F(BookletCreation, AChosenStapleRulesOutABookletAndNoBookletFreesTheStaples) {
-  struct Case {
-    const char* what;
-    bool stapleChosen;
-    std::int32_t fold, layout;
-    ControlID click;  // {} for none
-    bool ok;
-    bool choicesReachable, staplesFreed;
-  } cases[] = {
-      {"staple chosen", true, kBookletNoFold, kBookletLayoutOff, {}, true, false, true},
-      {"a fold kept", false, kBookletFold, kBookletLayoutOn, {}, true, true, false},
-      {"the layout kept", false, kBookletNoFold, kBookletLayoutOn, {}, true, true, false},
-      {"the fold taken off", false, kBookletFoldAndStaple, kBookletLayoutOn, kBookletNoFoldRadioID,
-       true, true, true},
-      {"cancelled", false, kBookletFold, kBookletLayoutOn, kBookletNoFoldRadioID, false, true,
-       false},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    for (toolkit::MenuItemIndex i = 1; i <= menu_->count(); ++i) menu_->setItemEnabled(i, false);
-    panel_.stapleChosen = c.stapleChosen;
-    params_.fold = c.fold;
-    params_.bookletLayout = c.layout;
-    std::vector<bool> reachable;
-    peekReachable(kBookletChoices, &reachable);
-    if (c.click.id) script().click(c.click);
-    script().sendCommand(c.ok ? toolkit::kHICommandOK : toolkit::kHICommandCancel);
-    EXPECT_EQ(run(), c.ok ? noErr : -1);
-    EXPECT_TRUE(script().failures().empty());
-    EXPECT_EQ(reachable, std::vector<bool>(3, c.choicesReachable));
-    EXPECT_EQ(stapleItemsEnabled(), c.staplesFreed);
-    EXPECT_FALSE(menu_->item(4)->enabled) << "only the staple items";
-  }
-}
-
-TEST_F(BookletCreation, ThePreviewFollowsTheChoices) {
-  const struct Step {
-    ControlID click;
-    const char* picture;
-  } steps[] = {
-      {kBookletLayoutRadioID, "BookletCreation_Booklet.gif"},
-      {kBookletOutlinesCheckBoxID, "BookletCreation_Booklet-Outlines.gif"},
-      {kBookletFoldRadioID, "BookletCreation_Booklet-Fold-Outlines.gif"},
-      {kBookletOutlinesCheckBoxID, "BookletCreation_Booklet-Fold.gif"},
-      {kBookletLayoutNoneRadioID, "BookletCreation_Fold.gif"},
-      {kBookletFoldAndStapleRadioID, "BookletCreation_Booklet-Fold-Staple.gif"},
-      {kBookletOutlinesCheckBoxID, "BookletCreation_Booklet-Fold-Staple-Outlines.gif"},
-      {kBookletLayoutNoneRadioID, "BookletCreation_Fold-Staple.gif"},
-      {kBookletNoFoldRadioID, "BookletCreation_None.gif"},
-  };
-  std::vector<std::string> shown, expected;
-  peek([&](Window& window) { shown.push_back(window.findByID(kBookletPreviewID)->pictureName()); });
-  expected.push_back("BookletCreation_None.gif");
-  for (const Step& step : steps) {
-    script().click(step.click);
+    panel_.stapleChosen = c.panel == std::string("staple");
+    panel_.squareFoldAvailable = c.panel == std::string("trimmer");
+    params_ = {.bundle = bundle_};
+    // A trimmer's square fold comes back as 0 or 1, and its trim width as it came.
+    std::tie(squareFold_, trimWidth_) = std::make_tuple(7, 120);
+    for (toolkit::MenuItemIndex i = 1; i <= 4; ++i) menu_->setItemEnabled(i, false);
+    for (ControlID id : c.clicks) script().click(id);
+    std::string reachable, preview, staples;  // "Stp1", "Stp2", "Stp4", an item that stays
     peek([&](Window& window) {
-      shown.push_back(window.findByID(kBookletPreviewID)->pictureName());
+      reachable = Reachable(window, {fold, staple, layout, kBookletSquareFoldCheckBoxID, trim,
+                                     kBookletTrimWidthFieldID});
+      preview = window.findByID(kBookletPreviewID)->pictureName();
     });
-    expected.push_back(step.picture);
+    ASSERT_EQ(runOK(), noErr);
+    for (toolkit::MenuItemIndex i = 1; i <= 4; ++i) staples += menu_->item(i)->enabled ? '1' : '0';
+    EXPECT_EQ(std::tie(reachable, params_.fold, params_.bookletLayout, staples),
+              std::make_tuple(c.reachable, c.fold, c.layout, c.staplesFreed ? "1110" : "0000"));
+    EXPECT_EQ(preview, std::string("BookletCreation_") + c.preview + ".gif");
+    EXPECT_EQ(std::tie(squareFold_, trimWidth_),
+              std::make_tuple(panel_.squareFoldAvailable ? 1 : 7, 120));
   }
-  ASSERT_EQ(runOK(), noErr);
-  EXPECT_EQ(shown, expected);
 }
 
-TEST_F(BookletCreation, CancelKeepsTheParametersAndOkReturnsWhatWasChosen) {
+TEST_F(BookletCreation, OkStoresTheChoicesWithinTheLimitsAndCancelNothing) {
+  const ControlID gutter = kBookletGutterFieldID, creep = kBookletCreepFieldID,
+                  width = kBookletTrimWidthFieldID;
+  const struct Case {
+    ControlID field;
+    const char* typed;
+    std::optional<std::int32_t> value;  // what OK stores; nullopt: OK is refused, then Cancel
+  } cases[] = {
+      {gutter, "216", 216}, {gutter, "217", {}}, {gutter, "", {}},    {creep, "2,5", 25},
+      {creep, "10", 100},   {creep, "10.1", {}}, {creep, "1.25", {}}, {width, "2", 20},
+      {width, "20.0", 200}, {width, "1,9", {}},  {width, "20.1", {}},
+  };
   panel_.squareFoldAvailable = true;
-  const auto queueChoices = [] {
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::Message() << c.field.id << " \"" << c.typed << "\"");
+    toolkit::HeadlessAlerts().clear();
+    params_ = {.bundle = bundle_};
+    std::tie(squareFold_, trim_, trimWidth_) = std::make_tuple(0, 0, kBookletDefaultTrimWidth);
     script().click(kBookletFoldAndStapleRadioID);
     script().click(kBookletOutlinesCheckBoxID);
     script().chooseMenuItemByRefCon(kBookletNewSizePopupID, kA3);
-    script().typeText(kBookletGutterFieldID, kErase + "36");
-    script().typeText(kBookletCreepFieldID, kErase + "2.5");
+    script().click(kBookletCreepSpinID, toolkit::kControlUpButtonPart);  // 0.1 mm
+    std::string creepShown;  // the arrows rewrite the field
+    peek([&](Window& window) { creepShown = window.findByID(kBookletCreepFieldID)->text(); });
     script().click(kBookletSquareFoldCheckBoxID);
     script().click(kBookletTrimCheckBoxID);
-    script().typeText(kBookletTrimWidthFieldID, kErase + "7,5");
-  };
-  queueChoices();
-  script().sendCommand(kBookletHelpCommand);
-  script().sendCommand(toolkit::kHICommandCancel);
-  EXPECT_EQ(run(), -1);
-  EXPECT_TRUE(script().failures().empty()) << script().failures().front();
-  script().clear();
-  EXPECT_EQ(std::make_tuple(params_.fold, params_.bookletLayout, params_.drawOutlines,
-                            params_.paperSize, params_.gutter, params_.creep),
-            std::make_tuple(1, 2, 1, kBookletNoNewSize, 24, 0));
-  EXPECT_EQ(std::make_tuple(squareFold_, trim_, trimWidth_),
-            std::make_tuple(0, 0, kBookletDefaultTrimWidth));
-  ASSERT_EQ(toolkit::HeadlessAlerts().helpRequests().size(), 1u);
-  EXPECT_EQ(toolkit::HeadlessAlerts().helpRequests()[0].page, kBookletHelpPage);
-
-  queueChoices();
-  script().click(kBookletCreepSpinID, toolkit::kControlUpButtonPart);  // 2.6 mm
-  std::string creepShown;
-  peek([&](Window& window) { creepShown = window.findByID(kBookletCreepFieldID)->text(); });
-  ASSERT_EQ(runOK(), noErr);
-  EXPECT_EQ(creepShown, "2.6");
-  EXPECT_EQ(std::make_tuple(params_.fold, params_.bookletLayout, params_.drawOutlines,
-                            params_.paperSize, params_.gutter, params_.creep),
-            std::make_tuple(53, 1, 2, kA3, 36, 26));
-  EXPECT_EQ(std::make_tuple(squareFold_, trim_, trimWidth_), std::make_tuple(1, 1, 75));
-}
-
-TEST_F(BookletCreation, ANumberOutsideItsLimitsKeepsTheDialogOpen) {
-  params_.bookletLayout = kBookletLayoutOn;
-  script().typeText(kBookletGutterFieldID, kErase + "300");
-  script().sendCommand(toolkit::kHICommandOK);
-  bool stillOpen = false, focused = false;
-  peek([&](Window& window) {
-    stillOpen = window.inModalLoop();
-    focused = window.findByID(kBookletGutterFieldID)->hasFocus();
-  });
-  script().typeText(kBookletGutterFieldID, kErase + "216");
-  ASSERT_EQ(runOK(), noErr);
-  EXPECT_TRUE(stillOpen && focused);
-  ASSERT_EQ(toolkit::HeadlessAlerts().notices().size(), 1u);
-  EXPECT_EQ(toolkit::HeadlessAlerts().notices()[0].header,
-            "The gutter must be a whole number of points from 0 to 216.");
-  EXPECT_EQ(params_.gutter, 216);
-}
-
-TEST_F(BookletCreation, SquareFoldAndTrimNeedTheTrimmerAndAFold) {
-  const std::vector<ControlID> trimmer = {kBookletSquareFoldCheckBoxID, kBookletTrimCheckBoxID,
-                                          kBookletTrimWidthFieldID};
-  struct Case {
-    bool available;
-    std::int32_t fold;
-    std::uint8_t trim;
-    std::vector<bool> shown, reachable;
-  } cases[] = {
-      {false, kBookletFold, 1, {false, false, false}, {false, false, false}},
-      {true, kBookletNoFold, 1, {true, true, true}, {false, false, false}},
-      {true, kBookletFold, 0, {true, true, true}, {true, true, false}},
-      {true, kBookletFoldAndStaple, 1, {true, true, true}, {true, true, true}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(::testing::Message() << c.available << " " << c.fold << " " << int{c.trim});
-    panel_.squareFoldAvailable = c.available;
-    params_.fold = c.fold;
-    trim_ = c.trim;
-    squareFold_ = 7;  // what the dialog hands back is 0 or 1, or nothing without a trimmer
-    std::vector<bool> shown, reachable;
-    peek([&](Window& window) {
-      for (ControlID id : trimmer) shown.push_back(window.findByID(id)->isShown());
-    });
-    peekReachable(trimmer, &reachable);
-    ASSERT_EQ(runOK(), noErr);
-    EXPECT_EQ(shown, c.shown);
-    EXPECT_EQ(reachable, c.reachable);
-    EXPECT_EQ(squareFold_, c.available ? 1 : 7);
+    script().sendCommand(kBookletHelpCommand);
+    script().typeText(c.field, kErase + c.typed);
+    script().sendCommand(toolkit::kHICommandOK);
+    script().click(kBookletNoFoldRadioID);  // when OK is refused: no booklet, then Cancel
+    script().sendCommand(toolkit::kHICommandCancel);
+    EXPECT_EQ(run(), c.value ? noErr : -1);
+    EXPECT_TRUE(script().failures().empty()) << script().failures().front();
+    EXPECT_EQ(script().pending(), c.value ? 2u : 0u) << "a refused OK keeps the dialog open";
+    EXPECT_FALSE(menu_->item(1)->enabled) << "a folded booklet and Cancel keep the staples out";
+    script().clear();
+    EXPECT_EQ(creepShown, "0.1");
+    EXPECT_EQ(toolkit::HeadlessAlerts().notices().size(), c.value ? 0u : 1u);
+    ASSERT_EQ(toolkit::HeadlessAlerts().helpRequests().size(), 1u);
+    EXPECT_EQ(toolkit::HeadlessAlerts().helpRequests()[0].page, kBookletHelpPage);
+    std::int32_t numbers[] = {24, 1, kBookletDefaultTrimWidth};  // gutter, creep, trim width
+    if (c.value) numbers[c.field == gutter ? 0 : c.field == creep ? 1 : 2] = *c.value;
+    EXPECT_EQ(std::tie(params_.fold, params_.bookletLayout, params_.drawOutlines, params_.paperSize,
+                       params_.gutter, params_.creep, squareFold_, trim_, trimWidth_),
+              c.value ? std::make_tuple(53, 1, 2, kA3, numbers[0], numbers[1], 1, 1, numbers[2])
+                      : std::make_tuple(1, 2, 1, kBookletNoNewSize, 24, 0, 0, 0, 50));
   }
 }
 
 TEST_F(BookletCreation, ThePrintersFinisherNamesTheFoldAndPicksTheOptionsWindow) {
-  struct Case {
-    const char* ppd;
-    const char* fold;
-    bool optionsHaveFinishing;
-  } cases[] = {
-      {VARNO_SAMPLE_PPD, "Booklet Fold", false},
-      {kBookletMakerPPD, "Booklet Crease", true},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.ppd);
-    usePrinter(c.ppd);
-    std::string title, fold;
-    peek([&](Window& window) {
-      title = window.text();
-      fold = window.findByID(kBookletFoldRadioID)->text();
-    });
+  // The options read the ticket they are given: its front cover rules a booklet out.
+  ASSERT_EQ(ticket_.setValue(model::kFrontCoverKey, kPage, "com.varno.print"), noErr);
+  const std::vector<ControlID> looked = {kBookletFoldRadioID, kBookletLayoutRadioID,
+                                         kBookletSquareFoldCheckBoxID};
+  for (const auto& [ppd, foldName, options] :  // options: fold, layout, square fold
+       {std::make_tuple(VARNO_SAMPLE_PPD, "Booklet Fold", "-0-"),
+        std::make_tuple(kBookletMakerPPD, "Booklet Crease", "00-")}) {
+    SCOPED_TRACE(ppd);
+    usePrinter(ppd);
+    params_ = {.bundle = bundle_, .fold = kBookletFold, .bookletLayout = kBookletLayoutOn};
+    std::string fold, seen;
+    peek([&](Window& window) { fold = window.findByID(kBookletFoldRadioID)->text(); });
     ASSERT_EQ(runOK(), noErr);
-    EXPECT_EQ(std::make_pair(title, fold),
-              std::make_pair(std::string("Booklet Creation"), std::string(c.fold)));
-
-    params_.fold = kBookletFold;
-    bool finishing = false, trimmer = true;
-    peek([&](Window& window) {
-      title = window.text();
-      finishing = window.findByID(kBookletFoldRadioID) != nullptr;
-      trimmer = window.findByID(kBookletSquareFoldCheckBoxID) != nullptr;
-    });
-    script().click(kBookletLayoutRadioID);
+    peek([&](Window& window) { seen = Reachable(window, looked); });
+    script().click(kBookletLayoutNoneRadioID);
     script().sendCommand(toolkit::kHICommandOK);
-    ASSERT_EQ(RunModalBookletOptionsDialog(&params_, nullptr), noErr);
-    EXPECT_EQ(title, "Booklet Options");
-    EXPECT_EQ(finishing, c.optionsHaveFinishing);
-    EXPECT_FALSE(trimmer);
+    ASSERT_EQ(RunModalBookletOptionsDialog(&params_, &ticket_), noErr);
     // Without finishing choices the fold stays as it was given.
-    EXPECT_EQ(std::make_pair(params_.fold, params_.bookletLayout),
-              std::make_pair(kBookletFold, kBookletLayoutOn));
+    EXPECT_EQ(std::tie(fold, seen, params_.fold, params_.bookletLayout),
+              std::make_tuple(foldName, options, kBookletFold, kBookletLayoutOff));
   }
 }
 
@@ -367,7 +240,6 @@ TEST_F(BookletCreation, AMissingInterfaceFileIsReportedAndChangesNothing) {
   dir.write("Bare.plugin/Contents/Info.plist",
             "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict/></plist>");
   params_.bundle = bundle::Bundle::Open(dir / "Bare.plugin");
-  ASSERT_TRUE(params_.bundle);
   params_.gutter = 50;
   EXPECT_EQ(run(), kInterfaceFileNotFound);
   EXPECT_EQ(RunModalBookletOptionsDialog(&params_, nullptr), kInterfaceFileNotFound);
