@@ -220,9 +220,10 @@ class PrintDialogTest : public QObject {
     toolkit::Control* control = dialog_->frameWindow().findByID(id);
     return control ? dialog_->renderer().widgetFor(control) : nullptr;
   }
+  // The dialog's own button (not one of a modal dialog it has made).
   QPushButton* button(const char* text) {
     for (QPushButton* button : dialog_->findChildren<QPushButton*>())
-      if (button->text() == text) return button;
+      if (button->text() == text && button->window() == dialog_.get()) return button;
     return nullptr;
   }
   // Moves a pop-up to the item with the arrow keys, one step at a time, as a person does.
@@ -713,7 +714,9 @@ class PrintDialogTest : public QObject {
         for (std::size_t i = 0; i < control->childCount(); ++i) stack.push_back(control->child(i));
         QWidget* widget = dialog_->renderer().widgetFor(control);
         QVERIFY2(widget, toolkit::Traits(control->kind()).name);
-        QCOMPARE(widget->isVisible(), control->isShown());
+        const std::string which = std::string(toolkit::Traits(control->kind()).name) + " " +
+                                  std::to_string(control->id().id) + " after step " + std::to_string(step);
+        QVERIFY2(widget->isVisible() == control->isShown(), which.c_str());
         if (control->isShown())
           QCOMPARE(widget->isEnabled(), control->isEffectivelyEnabled() && control->isEffectivelyActive());
       }
