@@ -479,4 +479,57 @@ OSStatus DrawIconEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef ev
   return eventNotHandledErr;
 }
 
+std::string FormatNumbers(std::string_view format, std::initializer_list<long long> numbers) {
+  const std::vector<long long> arguments(numbers);
+  std::string out;
+  std::size_t next = 0;
+  for (std::size_t i = 0; i < format.size(); ++i) {
+    if (format[i] != '%') {
+      out += format[i];
+      continue;
+    }
+    std::size_t end = i + 1;
+    if (end < format.size() && format[end] == '%') {
+      out += '%';
+      i = end;
+      continue;
+    }
+    std::size_t argument = next;
+    std::size_t digits = end;
+    while (digits < format.size() && format[digits] >= '0' && format[digits] <= '9') ++digits;
+    if (digits > end && digits < format.size() && format[digits] == '$') {
+      const std::string position(format.substr(end, digits - end));
+      argument = static_cast<std::size_t>(std::stoul(position));
+      argument = argument > 0 ? argument - 1 : arguments.size();
+      end = digits + 1;
+    } else {
+      ++next;
+    }
+    const std::size_t flagsStart = end;
+    while (end < format.size() && std::string_view("-+ #0123456789.").find(format[end]) !=
+                                      std::string_view::npos)
+      ++end;
+    const std::string flags(format.substr(flagsStart, end - flagsStart));
+    while (end < format.size() && std::string_view("hlqLjzt").find(format[end]) !=
+                                      std::string_view::npos)
+      ++end;
+    if (end >= format.size()) break;
+    const char conversion = format[end];
+    const long long value = argument < arguments.size() ? arguments[argument] : 0;
+    char piece[128] = {};
+    if (std::string_view("dioxXu").find(conversion) != std::string_view::npos) {
+      const std::string printf = "%" + flags + "ll" + (conversion == 'i' ? 'd' : conversion);
+      std::snprintf(piece, sizeof piece, printf.c_str(), value);
+    } else if (conversion == 's' || conversion == '@') {
+      const std::string printf = "%" + flags + "s";
+      std::snprintf(piece, sizeof piece, printf.c_str(), std::to_string(value).c_str());
+    } else {
+      out += format.substr(i, end + 1 - i);
+    }
+    out += piece;
+    i = end;
+  }
+  return out;
+}
+
 }  // namespace varno::ui

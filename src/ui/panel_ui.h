@@ -11,7 +11,9 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <string_view>
 
 #include "platform/bundle/bundle.h"
@@ -86,6 +88,11 @@ void SetLocalizedWindowTitle(const bundle::BundleRef& bundle, const char* key,
                              toolkit::Window* window, ...);
 void SetLocalizedMenuTitle(const bundle::BundleRef& bundle, const char* key, toolkit::Menu* menu,
                            toolkit::MenuItemIndex item, ...);
+
+// A table's text with its conversions filled with `numbers` in order (or as "%n$" names
+// them): integer conversions get the number, string conversions its decimal digits, so a
+// translation may write either, and a wrong one shows wrong text, never crashes.
+std::string FormatNumbers(std::string_view format, std::initializer_list<long long> numbers);
 
 // Opens `page` of the bundle's help book (its Info.plist "CFBundleHelpBookName").
 void DisplayHelpPage(const bundle::BundleRef& bundle, const char* page);

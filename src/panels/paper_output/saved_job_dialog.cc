@@ -7,12 +7,12 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/dialog_host.h"
+#include "panels/paper_output/made_up_passcode.h"
 #include "platform/plist/text.h"
 #include "platform/system/console_log.h"
 #include "platform/toolkit/alerts.h"
@@ -63,73 +63,17 @@ std::string Localized(const bundle::BundleRef& bundle, const char* key) {
   return bundle->localizedString(key, "Localizable", "STRING NOT FOUND");
 }
 
-// `format` with its conversions filled with `numbers` in order (or as "%n$" names them).
-// Integer conversions get the number and string conversions its decimal digits, so a table
-// may write either; anything else is copied as it is.
-std::string FormatNumbers(std::string_view format, std::initializer_list<long long> numbers) {
-  const std::vector<long long> arguments(numbers);
-  std::string out;
-  std::size_t next = 0;
-  for (std::size_t i = 0; i < format.size(); ++i) {
-    if (format[i] != '%') {
-      out += format[i];
-      continue;
-    }
-    std::size_t end = i + 1;
-    if (end < format.size() && format[end] == '%') {
-      out += '%';
-      i = end;
-      continue;
-    }
-    std::size_t argument = next;
-    std::size_t digits = end;
-    while (digits < format.size() && format[digits] >= '0' && format[digits] <= '9') ++digits;
-    if (digits > end && digits < format.size() && format[digits] == '$') {
-      const std::string position(format.substr(end, digits - end));
-      argument = static_cast<std::size_t>(std::stoul(position));
-      argument = argument > 0 ? argument - 1 : arguments.size();
-      end = digits + 1;
-    } else {
-      ++next;
-    }
-    const std::size_t specStart = end;
-    while (end < format.size() && std::string_view("-+ #0123456789.").find(format[end]) !=
-                                      std::string_view::npos)
-      ++end;
-    const std::string spec(format.substr(specStart, end - specStart));
-    while (end < format.size() && std::string_view("hlqLjzt").find(format[end]) !=
-                                      std::string_view::npos)
-      ++end;
-    if (end >= format.size()) break;
-    const char conversion = format[end];
-    const long long value = argument < arguments.size() ? arguments[argument] : 0;
-    char piece[128] = {};
-    if (std::string_view("dioxXu").find(conversion) != std::string_view::npos) {
-      const std::string printf = "%" + spec + "ll" + (conversion == 'i' ? 'd' : conversion);
-      std::snprintf(piece, sizeof piece, printf.c_str(), value);
-    } else if (conversion == 's' || conversion == '@') {
-      const std::string printf = "%" + spec + "s";
-      std::snprintf(piece, sizeof piece, printf.c_str(), std::to_string(value).c_str());
-    } else {
-      out += format.substr(i, end + 1 - i);
-    }
-    out += piece;
-    i = end;
-  }
-  return out;
-}
-
 void Notice(const SavedJobDialog& dialog, toolkit::CFOptionFlags level, const char* headerKey,
             const char* messageKey, std::initializer_list<long long> numbers) {
   toolkit::CFUserNotificationDisplayNotice(
       0, level, Localized(dialog.bundle, headerKey),
-      FormatNumbers(Localized(dialog.bundle, messageKey), numbers));
+      ui::FormatNumbers(Localized(dialog.bundle, messageKey), numbers));
 }
 
 void SetLabel(const SavedJobDialog& dialog, toolkit::ControlID id, const char* key,
               std::initializer_list<long long> numbers = {}) {
   if (Control* label = dialog.window->findByID(id)) {
-    label->setText(FormatNumbers(Localized(dialog.bundle, key), numbers));
+    label->setText(ui::FormatNumbers(Localized(dialog.bundle, key), numbers));
     label->draw();
   }
 }
@@ -166,12 +110,6 @@ bool FolderAboveMaximum(std::string_view folder) {
   folder.remove_prefix(std::min(folder.find_first_not_of('0'), folder.size()));
   const std::string maximum = std::to_string(kMaxSavedJobFolder);
   return folder.size() != maximum.size() ? folder.size() > maximum.size() : folder > maximum;
-}
-
-std::string MakePasscode() {
-  std::random_device source;
-  std::uniform_int_distribution<int> below(0, 8999);
-  return std::to_string(1000 + below(source));
 }
 
 // --- Moving values between the panel and the dialog ---------------------------------------
@@ -260,7 +198,7 @@ void ConfirmDialog(SavedJobDialog& dialog) {
   Control& confirm = *dialog.confirmField();
   if (passcode.text().empty()) {
     // A stored job with a passcode needs one: make one up and tell the person.
-    const std::string made = MakePasscode();
+    const std::string made = MakeUpPasscode();
     passcode.setText(made);
     confirm.setText(made);
     Notice(dialog, toolkit::kCFUserNotificationNoteAlertLevel, "Passcode Required Header",

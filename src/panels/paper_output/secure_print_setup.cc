@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "panels/paper_output/secure_print_setup.h"
 
-#include <chrono>
 #include <cstdio>
-#include <exception>
 #include <initializer_list>
 #include <memory>
-#include <random>
 
 #include "host/dialog_host.h"
+#include "panels/paper_output/made_up_passcode.h"
 #include "platform/plist/text.h"
 #include "platform/toolkit/alerts.h"
 #include "platform/toolkit/character_set.h"
@@ -22,39 +20,9 @@ namespace {
 using toolkit::Control;
 
 // A passcode the dialog makes up: four digits, easy to note and to type at the printer.
-constexpr int kMadePasscodeBase = 1000;
-constexpr int kMadePasscodeSpan = 9000;
 
 std::string Localized(const bundle::BundleRef& bundle, const char* key) {
   return bundle->localizedString(key, "Localizable", "STRING NOT FOUND");
-}
-
-// The table's text with each "%d" replaced by the next number. Done by hand rather than
-// by printf, so a translation with a wrong conversion shows wrong text, never crashes.
-std::string FormatNumbers(std::string format, std::initializer_list<long long> numbers) {
-  std::size_t from = 0;
-  for (long long number : numbers) {
-    const std::size_t at = format.find("%d", from);
-    if (at == std::string::npos) break;
-    const std::string digits = std::to_string(number);
-    format.replace(at, 2, digits);
-    from = at + digits.size();
-  }
-  return format;
-}
-
-// The system's entropy source: a passcode must not follow from the time the job was
-// set up. The clock seeds a generator only where that source is missing.
-int MakePasscode() {
-  std::uniform_int_distribution<int> offset(0, kMadePasscodeSpan - 1);
-  try {
-    std::random_device device;
-    return kMadePasscodeBase + offset(device);
-  } catch (const std::exception&) {
-    const auto ticks = std::chrono::system_clock::now().time_since_epoch().count();
-    std::mt19937 generator(static_cast<std::mt19937::result_type>(ticks));
-    return kMadePasscodeBase + offset(generator);
-  }
 }
 
 void Accept(SecurePrintSetupDialog& dialog) {
@@ -69,14 +37,14 @@ void ConfirmPasscode(SecurePrintSetupDialog& dialog) {
   const std::string& confirmation = dialog.confirmField->text();
   const bundle::BundleRef& bundle = dialog.bundle;
   if (passcode.empty() && confirmation.empty()) {
-    const int made = MakePasscode();
-    dialog.passcodeField->setText(std::to_string(made));
-    dialog.confirmField->setText(std::to_string(made));
+    const std::string made = MakeUpPasscode();
+    dialog.passcodeField->setText(made);
+    dialog.confirmField->setText(made);
     toolkit::CFUserNotificationDisplayNotice(
         0, toolkit::kCFUserNotificationNoteAlertLevel,
         Localized(bundle, "Passcode Required Header"),
-        FormatNumbers(Localized(bundle, "Passcode Required Message"),
-                      {kMinSecurePasscodeLength, kMaxSecurePasscodeLength, made}));
+        ui::FormatNumbers(Localized(bundle, "Passcode Required Message"),
+                      {kMinSecurePasscodeLength, kMaxSecurePasscodeLength, std::stoll(made)}));
     Accept(dialog);
     return;
   }
@@ -87,7 +55,7 @@ void ConfirmPasscode(SecurePrintSetupDialog& dialog) {
   toolkit::CFUserNotificationDisplayNotice(
       0, toolkit::kCFUserNotificationCautionAlertLevel,
       Localized(bundle, "Invalid Secure Print Passcode Header"),
-      FormatNumbers(Localized(bundle, "Invalid Secure Print Passcode Message"),
+      ui::FormatNumbers(Localized(bundle, "Invalid Secure Print Passcode Message"),
                     {kMinSecurePasscodeLength, kMaxSecurePasscodeLength}));
   dialog.window->setFocus(dialog.passcodeField);
 }
