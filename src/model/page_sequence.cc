@@ -38,6 +38,25 @@ std::pair<PageSequence::Link, PageSequence::Link> PageSequence::Cut(Link tree,
   return {std::move(tree), std::move(tail)};
 }
 
+void PageSequence::InsertAt(Link& tree, std::size_t index, Link node) {
+  // Down to where the new node's priority puts it, then the subtree there is cut in two
+  // under it: one walk, and a short one, where cutting the whole tree would take two.
+  if (!tree || node->priority > tree->priority) {
+    auto [head, tail] = Cut(std::move(tree), index);
+    node->left = std::move(head);
+    node->right = std::move(tail);
+    Recount(*node);
+    tree = std::move(node);
+    return;
+  }
+  const std::size_t left = Count(tree->left.get());
+  if (index <= left)
+    InsertAt(tree->left, index, std::move(node));
+  else
+    InsertAt(tree->right, index - left - 1, std::move(node));
+  ++tree->count;
+}
+
 std::unique_ptr<SpecialPage> PageSequence::Erase(Link& tree, std::size_t index) {
   const std::size_t left = Count(tree->left.get());
   std::unique_ptr<SpecialPage> page;
@@ -78,8 +97,7 @@ void PageSequence::insert(std::size_t index, std::unique_ptr<SpecialPage> page) 
   auto node = std::make_unique<Node>();
   node->page = std::move(page);
   node->priority = static_cast<std::uint32_t>(priorities_());
-  auto [head, tail] = Cut(std::move(root_), index);
-  root_ = Join(Join(std::move(head), std::move(node)), std::move(tail));
+  InsertAt(root_, index, std::move(node));
 }
 
 std::unique_ptr<SpecialPage> PageSequence::erase(std::size_t index) {

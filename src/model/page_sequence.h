@@ -65,6 +65,7 @@ class PageSequence {
   static Link Join(Link first, Link second);
   // Cuts `tree` into its first `count` nodes and the rest.
   static std::pair<Link, Link> Cut(Link tree, std::size_t count);
+  static void InsertAt(Link& tree, std::size_t index, Link node);
   static std::unique_ptr<SpecialPage> Erase(Link& tree, std::size_t index);
   Node& nodeAt(std::size_t index) const;
   template <typename Predicate>
