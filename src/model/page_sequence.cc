@@ -7,7 +7,7 @@ namespace varno::model {
 
 // A treap ordered by position: every node's priority is at least its children's, so the
 // shape is that of a tree built in random order and its depth stays logarithmic whatever
-// the pages and the order in which they come. Join and Cut recurse to that depth only.
+// the pages and the order in which they come. Every walk below recurses to that depth only.
 
 PageSequence::Link PageSequence::Join(Link first, Link second) {
   if (!first) return second;
