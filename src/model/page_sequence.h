@@ -53,7 +53,7 @@ class PageSequence {
   struct Node {
     std::unique_ptr<SpecialPage> page;
     std::unique_ptr<Node> left, right;
-    std::uint32_t priority;
+    std::uint32_t priority = 0;
     std::size_t count = 1;  // nodes in this subtree, this one included
   };
   using Link = std::unique_ptr<Node>;
