@@ -2,17 +2,18 @@
 #include "model/special_page_lists.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <limits>
 #include <utility>
+#include <vector>
 
 namespace varno::model {
 namespace {
 
 // The pages as a span for add, which copies them.
-std::vector<const SpecialPage*> PagesOf(const std::vector<std::unique_ptr<SpecialPage>>& pages) {
+std::vector<const SpecialPage*> PagesOf(const PageSequence& pages) {
   std::vector<const SpecialPage*> view;
   view.reserve(pages.size());
-  for (const auto& page : pages) view.push_back(page.get());
+  pages.forEach([&view](const SpecialPage& page) { view.push_back(&page); });
   return view;
 }
 
@@ -23,32 +24,39 @@ bool AllOfKind(SpecialPageSpan pages) {
   });
 }
 
+bool InPageOrder(const PageSequence& pages) {
+  std::int32_t previous = std::numeric_limits<std::int32_t>::min();
+  const std::size_t descent = pages.findFirst([&previous](const SpecialPage& page) {
+    return std::exchange(previous, page.startPage()) > page.startPage();
+  });
+  return descent == pages.size();
+}
+
 }  // namespace
 
 SpecialPage* SpecialPageList::pageAtIndex(std::int32_t index) const {
   if (index < 0 || index >= count()) return nullptr;
-  return pages_[static_cast<std::size_t>(index)].get();
+  return pages_[static_cast<std::size_t>(index)];
 }
 
 std::int32_t SpecialPageList::indexOfPage(const SpecialPage* page) const {
-  auto found = std::find_if(pages_.begin(), pages_.end(),
-                            [page](const auto& held) { return held.get() == page; });
-  if (found == pages_.end()) return -1;
-  return static_cast<std::int32_t>(found - pages_.begin());
+  const std::size_t found =
+      pages_.findFirst([page](const SpecialPage& held) { return &held == page; });
+  if (found == pages_.size()) return -1;
+  return static_cast<std::int32_t>(found);
 }
 
 void SpecialPageList::remove(const SpecialPage* page) {
   const std::int32_t index = indexOfPage(page);
-  if (index >= 0) pages_.erase(pages_.begin() + index);
+  if (index >= 0) pages_.erase(static_cast<std::size_t>(index));
 }
 
 OSStatus SpecialPageList::update(const SpecialPage& page, SpecialPageSpan replacements) {
   const std::int32_t index = indexOfPage(&page);
   if (index < 0) return noErr;
-  std::unique_ptr<SpecialPage> old = std::move(pages_[static_cast<std::size_t>(index)]);
-  pages_.erase(pages_.begin() + index);
+  std::unique_ptr<SpecialPage> old = pages_.erase(static_cast<std::size_t>(index));
   if (OSStatus status = add(replacements); status != noErr) {
-    pages_.insert(pages_.begin() + index, std::move(old));
+    pages_.insert(static_cast<std::size_t>(index), std::move(old));
     return status;
   }
   return noErr;
@@ -57,7 +65,7 @@ OSStatus SpecialPageList::update(const SpecialPage& page, SpecialPageSpan replac
 std::optional<plist::Array> SpecialPageList::asTicket() const {
   if (pages_.empty()) return std::nullopt;
   plist::Array ticket;
-  for (const auto& page : pages_) ticket.append(page->asTicket());
+  pages_.forEach([&ticket](const SpecialPage& page) { ticket.append(page.asTicket()); });
   return ticket;
 }
 
@@ -69,13 +77,17 @@ Insert* InsertList::pageAtIndex(std::int32_t index) const {
 
 OSStatus InsertList::add(SpecialPageSpan pages) {
   if (!AllOfKind<Insert>(pages)) return paramErr;
+  // Adding never brings a list that is out of page order back into it: one look will do.
+  if (!inPageOrder_) inPageOrder_ = InPageOrder(pages_);
   for (const SpecialPage* page : pages) {
-    // A linear search, not a binary one: promote and demote may leave the list out of
-    // page order, and an insert still goes before the first later page.
-    auto later = std::find_if(pages_.begin(), pages_.end(), [page](const auto& held) {
-      return held->startPage() > page->startPage();
-    });
-    pages_.insert(later, page->clone());
+    const std::int32_t after = page->startPage();
+    auto later = [after](const SpecialPage& held) { return held.startPage() > after; };
+    auto notLater = [after](const SpecialPage& held) { return held.startPage() <= after; };
+    // In page order the first later page follows the last one that is not later, which
+    // halving finds; out of it, the pages are walked from the head.
+    const std::size_t index =
+        inPageOrder_ ? pages_.partitionPoint(0, notLater) : pages_.findFirst(later);
+    pages_.insert(index, page->clone());
   }
   return noErr;
 }
@@ -91,8 +103,7 @@ bool InsertList::canPromote(const Insert* insert) const {
 
 void InsertList::promote(Insert* insert) {
   if (!canPromote(insert)) return;
-  const auto index = static_cast<std::size_t>(indexOfPage(insert));
-  std::swap(pages_[index - 1], pages_[index]);
+  swapWithNext(static_cast<std::size_t>(indexOfPage(insert)) - 1);
 }
 
 bool InsertList::canDemote(const Insert* insert) const {
@@ -103,8 +114,12 @@ bool InsertList::canDemote(const Insert* insert) const {
 
 void InsertList::demote(Insert* insert) {
   if (!canDemote(insert)) return;
-  const auto index = static_cast<std::size_t>(indexOfPage(insert));
-  std::swap(pages_[index], pages_[index + 1]);
+  swapWithNext(static_cast<std::size_t>(indexOfPage(insert)));
+}
+
+void InsertList::swapWithNext(std::size_t index) {
+  if (pages_[index]->startPage() != pages_[index + 1]->startPage()) inPageOrder_ = false;
+  pages_.swap(index, index + 1);
 }
 
 ExceptionPageList::ExceptionPageList(const ExceptionPageList& other) {
@@ -121,16 +136,21 @@ OSStatus ExceptionPageList::add(SpecialPageSpan pages) {
     if (static_cast<const ExceptionPage*>(page)->endPage() < page->startPage()) return paramErr;
 
   // The list holds only ExceptionPages: add is the one way in and checks every page.
-  auto at = [this](std::size_t i) { return static_cast<ExceptionPage*>(pages_[i].get()); };
+  auto at = [this](std::size_t i) { return static_cast<ExceptionPage*>(pages_[i]); };
   for (const SpecialPage* page : pages) {
     const auto* added = static_cast<const ExceptionPage*>(page);
     const std::int32_t start = added->startPage();
     const std::int32_t end = added->endPage();
+    // Sorted ranges that never overlap end in rising order, so those that end before
+    // `start` come first and the first one that does not is found by halving.
+    auto endsBefore = [start](const SpecialPage& held) {
+      return start > static_cast<const ExceptionPage&>(held).endPage();
+    };
     std::size_t i = 0;
     for (;;) {
-      while (i < pages_.size() && start > at(i)->endPage()) ++i;
+      i = pages_.partitionPoint(i, endsBefore);
       if (i == pages_.size()) {
-        pages_.push_back(added->clone());
+        pages_.insert(i, added->clone());
         break;
       }
       ExceptionPage* older = at(i);
@@ -140,7 +160,7 @@ OSStatus ExceptionPageList::add(SpecialPageSpan pages) {
         if (end < older->endPage()) {
           std::unique_ptr<SpecialPage> tail = older->clone();
           tail->setStartPage(end + 1);
-          pages_.insert(pages_.begin() + static_cast<std::ptrdiff_t>(i) + 1, std::move(tail));
+          pages_.insert(i + 1, std::move(tail));
         }
         older->setEndPage(start - 1);
         ++i;
@@ -148,14 +168,14 @@ OSStatus ExceptionPageList::add(SpecialPageSpan pages) {
         if (end < older->endPage())
           older->setStartPage(end + 1);
         else
-          pages_.erase(pages_.begin() + static_cast<std::ptrdiff_t>(i));
+          pages_.erase(i);
       } else if (end < older->startPage()) {
-        pages_.insert(pages_.begin() + static_cast<std::ptrdiff_t>(i), added->clone());
+        pages_.insert(i, added->clone());
         break;
       } else if (end < older->endPage()) {
         older->setStartPage(end + 1);
       } else {
-        pages_.erase(pages_.begin() + static_cast<std::ptrdiff_t>(i));
+        pages_.erase(i);
       }
     }
   }

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // Lists of special pages: inserts kept in page order, and exception ranges kept sorted and
 // free of overlaps, the newest range winning where two meet. A list owns its pages and
-// stores clones of what it is given.
+// stores clones of what it is given. Adding a page finds its place by halving (as long as
+// the list is in page order) and puts it in without moving the others, so adding n pages
+// costs about n log n. For that a list takes its own order as it left it: the page numbers
+// of pages it holds change through update, not in place.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
-#include <vector>
 
+#include "model/page_sequence.h"
 #include "model/special_pages.h"
 #include "platform/plist/value.h"
 #include "platform/status.h"
@@ -28,7 +32,7 @@ class SpecialPageList {
 
   std::int32_t count() const { return static_cast<std::int32_t>(pages_.size()); }
   // The page at `index`, or null when out of range. The list's constness covers its order,
-  // not its pages, which dialogs edit in place.
+  // not its pages, which dialogs edit in place (all but their page numbers).
   virtual SpecialPage* pageAtIndex(std::int32_t index) const;
   // Position of that very object (not an equal one), or -1.
   virtual std::int32_t indexOfPage(const SpecialPage* page) const;
@@ -48,7 +52,7 @@ class SpecialPageList {
   std::optional<plist::Array> asTicket() const;
 
  protected:
-  std::vector<std::unique_ptr<SpecialPage>> pages_;
+  PageSequence pages_;
 };
 
 class InsertList : public SpecialPageList {
@@ -58,7 +62,9 @@ class InsertList : public SpecialPageList {
 
   Insert* pageAtIndex(std::int32_t index) const override;
   // Each insert goes before the first page with a later startPage, so inserts after the
-  // same page keep the order in which they were added.
+  // same page keep the order in which they were added. Once promote or demote has put the
+  // list out of page order, that page is looked for from the head, in linear time, until
+  // the order is back.
   OSStatus add(SpecialPageSpan pages) override;
   std::unique_ptr<SpecialPageList> clone() const override;
 
@@ -68,6 +74,12 @@ class InsertList : public SpecialPageList {
   void promote(Insert* insert);
   bool canDemote(const Insert* insert) const;
   void demote(Insert* insert);
+
+ private:
+  void swapWithNext(std::size_t index);
+  // False once promote or demote has swapped two inserts after different pages; add then
+  // looks again before it relies on the order.
+  bool inPageOrder_ = true;
 };
 
 class ExceptionPageList : public SpecialPageList {
