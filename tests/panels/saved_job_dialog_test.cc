@@ -5,8 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -29,56 +28,47 @@ using toolkit::Window;
 // Backspaces enough to empty any field of the dialog.
 const std::string kClear(30, '\b');
 
-// What a step saw of the open dialog.
-struct Seen {
-  bool ok;
-  std::int32_t secure;
-  bool passcode;  // the passcode label, field and note alike
-  bool confirm;   // the confirm label, field and note alike
-  bool passcodeFocused;
-  bool operator==(const Seen&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const Seen& s) {
-  return out << "{OK " << (s.ok ? "on" : "off") << ", box " << s.secure << ", passcode "
-             << (s.passcode ? "on" : "off") << ", confirm " << (s.confirm ? "on" : "off")
-             << (s.passcodeFocused ? ", focused}" : "}");
-}
-
-Seen See(Window& window) {
-  const auto enabled = [&](std::initializer_list<toolkit::ControlID> ids) {
-    bool first = window.findByID(*ids.begin())->isEnabled();
+// What a step saw of the open dialog: what is enabled or checked, and the focus.
+std::string See(Window& window) {
+  const auto on = [&](std::initializer_list<toolkit::ControlID> ids, const char* name) {
+    const bool first = window.findByID(*ids.begin())->isEnabled();
     for (toolkit::ControlID id : ids)
       EXPECT_EQ(window.findByID(id)->isEnabled(), first) << "controls that go together";
-    return first;
+    return first ? name : "";
   };
-  return {window.findByID(kSavedJobOKButtonID)->isEnabled(),
-          window.findByID(kSavedJobSecureCheckBoxID)->value(),
-          enabled({kSavedJobPasscodeLabelID, kSavedJobPasscodeFieldID, kSavedJobPasscodeNoteID}),
-          enabled({kSavedJobConfirmLabelID, kSavedJobConfirmFieldID, kSavedJobConfirmNoteID}),
-          window.focus() == window.findByID(kSavedJobPasscodeFieldID)};
+  return std::string(window.findByID(kSavedJobOKButtonID)->isEnabled() ? "OK" : "") +
+         (window.findByID(kSavedJobSecureCheckBoxID)->value() ? " checked" : "") +
+         on({kSavedJobPasscodeLabelID, kSavedJobPasscodeFieldID, kSavedJobPasscodeNoteID},
+            " passcode") +
+         on({kSavedJobConfirmLabelID, kSavedJobConfirmFieldID, kSavedJobConfirmNoteID},
+            " confirm") +
+         (window.focus() == window.findByID(kSavedJobPasscodeFieldID) ? " focused" : "");
+}
+
+toolkit::AutomationScript& script() { return toolkit::Application::shared().script(); }
+void Type(toolkit::ControlID id, const std::string& text) { script().typeText(id, text); }
+void Click(toolkit::ControlID id) { script().click(id); }
+void Passcodes(const std::string& passcode, const std::string& confirmation) {
+  Type(kSavedJobPasscodeFieldID, passcode);
+  Type(kSavedJobConfirmFieldID, confirmation);
 }
 
 class SavedJobDialog : public ::testing::Test {
  protected:
-  void SetUp() override {
-    ASSERT_TRUE(bundle_);
-    // The console log comes to standard error, where the tests read it.
-    ::setenv("VARNO_CONSOLE_LOG", "stderr", 1);
-    context_.bundle = bundle_;
-    context_.jobType = kSavedJob;
-  }
-  void TearDown() override {
-    script().clear();
+  void TearDown() override { script().clear(); }
+  // Starts each run with no notices, no help shown and the panel's fields as given.
+  void start(std::optional<std::string> folder, std::int32_t hasPasscode,
+             std::optional<std::string> passcode) {
     toolkit::HeadlessAlerts().clear();
+    context_ = PaperOutputContext();
+    context_.bundle = bundle_;
+    context_.savedJobLocation = folder;
+    context_.noLocation = folder ? 0 : 1;
+    context_.hasPasscode = hasPasscode;
+    context_.passcode = passcode;
+    seen_.clear();
   }
-  static toolkit::AutomationScript& script() { return toolkit::Application::shared().script(); }
-  void look() {
-    script().add("look", [this](Window& window) {
-      seen_.push_back(See(window));
-      return noErr;
-    });
-  }
+  void look() { script().add("look", [this](auto& w) { return seen_.push_back(See(w)), noErr; }); }
   void run(std::size_t failures = 0) {
     ::testing::internal::CaptureStderr();
     ASSERT_EQ(RunModalSavedJobDialog(&context_), noErr);
@@ -87,9 +77,7 @@ class SavedJobDialog : public ::testing::Test {
     EXPECT_EQ(script().pending(), 0u);
     script().clear();
   }
-  std::string localized(const char* key) const {
-    return bundle_->localizedString(key, "Localizable", "STRING NOT FOUND");
-  }
+  std::string localized(const char* k) { return bundle_->localizedString(k, "Localizable", "?"); }
   static Strings History(const char* key) {
     Strings entries;
     std::optional<plist::Dictionary> file = sys::CopyUserPreferences(ui::kInputHistoryFileName);
@@ -97,239 +85,137 @@ class SavedJobDialog : public ::testing::Test {
       entries.push_back(*entry.asString());
     return entries;
   }
-  const std::vector<toolkit::NoticeRequest>& notices() const {
-    return toolkit::HeadlessAlerts().notices();
-  }
 
   testing::TempDir home_;
+  // The console log comes to standard error, where the tests read it.
   testing::ScopedEnv env_{{"XDG_CONFIG_HOME", home_.path().string()},
-                          {"HOME", home_.path().string()}};
+                          {"HOME", home_.path().string()},
+                          {"VARNO_CONSOLE_LOG", "stderr"}};
   bundle::BundleRef bundle_ = bundle::Bundle::Open(VARNO_BUILT_PLUGIN);
   PaperOutputContext context_;
-  std::vector<Seen> seen_;
+  Strings seen_;
   std::string stderr_;
 };
 
-TEST_F(SavedJobDialog, FoldersAbove200AreRefusedWithTheMailboxNotice) {
+TEST_F(SavedJobDialog, OKRefusesFoldersAbove200AndUnequalPasscodesAndMakesOneUpForNone) {
+  const auto secure = [] { Click(kSavedJobSecureCheckBoxID); };
   struct Case {
-    const char* folder;
-    bool accepted;
-  } cases[] = {{"201", false}, {"999", false}, {"0", true}, {"200", true}, {"007", true}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.folder);
-    toolkit::HeadlessAlerts().clear();
-    context_.savedJobLocation.reset();
-    context_.noLocation = 1;
-    script().typeText(kSavedJobFolderBoxID, c.folder);
-    script().click(kSavedJobOKButtonID);
-    if (!c.accepted) script().click(kSavedJobCancelButtonID);  // refused: still open
-    run();
-    if (c.accepted) {
-      EXPECT_TRUE(notices().empty());
-      EXPECT_EQ(context_.savedJobLocation, c.folder);
-      EXPECT_EQ(context_.noLocation, 0);
-    } else {
-      ASSERT_EQ(notices().size(), 1u);
-      EXPECT_EQ(notices()[0].header, localized("Invalid Mailbox Headline"));
-      EXPECT_NE(notices()[0].message.find("200"), std::string::npos) << notices()[0].message;
-      EXPECT_FALSE(context_.savedJobLocation);
-      EXPECT_EQ(context_.noLocation, 1);
-    }
-  }
-}
-
-TEST_F(SavedJobDialog, OKChecksThePasscodesAndMakesOneUpWhenNoneIsTyped) {
-  struct Case {
-    const char* what;
-    std::optional<std::string> stored;  // the panel's passcode, with the box checked
+    const char *what, *folder;           // the folder typed into the empty box
+    std::optional<std::string> stored;   // the panel's passcode, with the box checked
     std::function<void()> steps;
-    const char* noticeHeader;  // null: none
-    bool accepted;
+    const char* notice;                   // its header's key; null: none
+    bool accepted;                        // else refused, and nothing changes
     std::int32_t hasPasscode;             // after
-    std::optional<std::string> passcode;  // after; "made" for a made-up one
+    std::optional<std::string> passcode;  // after, "made" for a made-up one
   } cases[] = {
-      {"both empty", std::nullopt, [] { script().click(kSavedJobSecureCheckBoxID); },
-       "Passcode Required Header", true, 1, "made"},
-      {"empty passcode, confirm still holding the old one", "5678",
-       [] { script().typeText(kSavedJobPasscodeFieldID, kClear); }, "Passcode Required Header",
-       true, 1, "made"},
-      {"different", std::nullopt,
-       [] {
-         script().click(kSavedJobSecureCheckBoxID);
-         script().typeText(kSavedJobPasscodeFieldID, "1234");
-         script().typeText(kSavedJobConfirmFieldID, "1235");
-       },
-       "Invalid Secure Print Passcode Header", false, 0, std::nullopt},
-      {"the same", std::nullopt,
-       [] {
-         script().click(kSavedJobSecureCheckBoxID);
-         script().typeText(kSavedJobPasscodeFieldID, "12345678901234567890");
-         script().typeText(kSavedJobConfirmFieldID, "12345678901234567890");
-       },
-       nullptr, true, 1, "12345678901234567890"},
-      {"box unchecked keeps the old passcode", "5678",
-       [] { script().click(kSavedJobSecureCheckBoxID); }, nullptr, true, 0, "5678"},
+      {"folder 201", "201", {}, [] {}, "Invalid Mailbox Headline", false, 0, {}},
+      {"folder 200", "200", {}, [] {}, nullptr, true, 0, {}},
+      {"both passcodes empty", "5", {}, secure, "Passcode Required Header", true, 1, "made"},
+      {"empty passcode, confirm still holding the old one", "5", "5678",
+       [] { Type(kSavedJobPasscodeFieldID, kClear); }, "Passcode Required Header", true, 1, "made"},
+      {"different", "5", {}, [=] { secure(); Passcodes("1234", "1235"); },
+       "Invalid Secure Print Passcode Header", false, 0, {}},
+      {"the same, at 20 digits", "5", {},
+       [=] { secure(); Passcodes("123456789012345678901", "12345678901234567890"); }, nullptr,
+       true, 1, "12345678901234567890"},
+      {"box unchecked keeps the old passcode", "5", "5678", secure, nullptr, true, 0, "5678"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    toolkit::HeadlessAlerts().clear();
-    context_.savedJobLocation = "5";
-    context_.noLocation = 0;
-    context_.passcode = c.stored;
-    context_.hasPasscode = c.stored ? 1 : 0;
+    start(std::nullopt, c.stored ? 1 : 0, c.stored);
+    Type(kSavedJobFolderBoxID, c.folder);
     c.steps();
-    script().click(kSavedJobOKButtonID);
-    if (!c.accepted) script().click(kSavedJobCancelButtonID);
+    Click(kSavedJobOKButtonID);
+    if (!c.accepted) Click(kSavedJobCancelButtonID);  // refused: still open
     run();
-    EXPECT_EQ(notices().size(), c.noticeHeader ? 1u : 0u);
-    if (c.noticeHeader && !notices().empty()) {
-      EXPECT_EQ(notices()[0].header, localized(c.noticeHeader));
-    }
+    const std::vector<toolkit::NoticeRequest>& notices = toolkit::HeadlessAlerts().notices();
+    ASSERT_EQ(notices.size(), c.notice ? 1u : 0u);
+    if (c.notice) { EXPECT_EQ(notices[0].header, localized(c.notice)); }
+    EXPECT_EQ(context_.savedJobLocation, c.accepted ? c.folder : std::optional<std::string>());
+    EXPECT_EQ(context_.noLocation, c.accepted ? 0 : 1);
     EXPECT_EQ(context_.hasPasscode, c.hasPasscode);
-    if (!c.accepted) {
-      EXPECT_EQ(context_.passcode, c.stored) << "refused: nothing changes";
-      continue;
-    }
-    ASSERT_TRUE(context_.passcode);
-    if (std::string(c.passcode.value_or("")) != "made") {
+    if (c.passcode != "made") {
       EXPECT_EQ(context_.passcode, c.passcode);
       continue;
     }
-    const int made = std::stoi(*context_.passcode);
-    EXPECT_GE(made, 1000);
-    EXPECT_LE(made, 9999);
+    ASSERT_TRUE(context_.passcode);
     EXPECT_EQ(context_.passcode->size(), 4u);
-    // The notice names the passcode wherever its text has room for it.
-    if (localized("Passcode Required Message").find('%') != std::string::npos) {
-      EXPECT_NE(notices()[0].message.find(*context_.passcode), std::string::npos);
-    }
+    EXPECT_GE(std::stoi(*context_.passcode), 1000);
+    EXPECT_NE(notices[0].message.find(*context_.passcode), std::string::npos) << "named";
   }
-  EXPECT_EQ(stderr_.find("5678"), std::string::npos) << "no passcode goes to the log";
 }
 
 TEST_F(SavedJobDialog, OKWaitsForANameAndAFolderAndTheBoxDecidesThePasscodeFields) {
+  start(std::nullopt, 0, "12");
   context_.useJobName = 0;
-  context_.savedJobName.clear();
-  context_.passcode = "12";
-  look();
-  script().typeText(kSavedJobNameBoxID, "Report");
-  look();
-  script().click(kSavedJobOKButtonID);  // refused: OK is dimmed
-  script().typeText(kSavedJobFolderBoxID, "12");
-  look();
-  script().typeText(kSavedJobFolderBoxID, "\b\b");
-  look();
-  script().typeText(kSavedJobFolderBoxID, "3");
-  script().typeText(kSavedJobNameBoxID, kClear);
-  look();
-  script().chooseMenuItemByText(kSavedJobNameBoxID, localized("UseJobName"));
-  look();
-  script().click(kSavedJobSecureCheckBoxID);  // a passcode of two digits: no confirm yet
-  look();
-  script().typeText(kSavedJobPasscodeFieldID, "3");
-  look();
-  script().typeText(kSavedJobPasscodeFieldID, kClear);
-  look();
-  script().click(kSavedJobSecureCheckBoxID);
-  look();
-  script().click(kSavedJobCancelButtonID);
-  run(1);
-  const std::vector<Seen> expected = {
-      {false, 0, false, false, false},  // neither name nor folder
-      {false, 0, false, false, false},  // a name only
-      {true, 0, false, false, false},   // both
-      {false, 0, false, false, false},  // folder emptied
-      {false, 0, false, false, false},  // name emptied
-      {true, 0, false, false, false},   // "Use Document Name" is a name
-      {true, 1, true, false, true},
-      {true, 1, true, true, true},    // typing into the passcode opens the confirm field
-      {true, 1, true, false, true},   // emptying it closes it
-      {true, 0, false, false, false},
+  const std::string document = localized("UseJobName");
+  const std::pair<std::function<void()>, const char*> steps[] = {  // and what they leave
+      {[] {}, ""},
+      {[] { Type(kSavedJobNameBoxID, "Report"); }, ""},
+      {[] { Click(kSavedJobOKButtonID); Type(kSavedJobFolderBoxID, "12"); }, "OK"},  // OK dimmed
+      {[] { Type(kSavedJobFolderBoxID, "\b\b"); }, ""},
+      {[] { Type(kSavedJobFolderBoxID, "3"); Type(kSavedJobNameBoxID, kClear); }, ""},
+      {[&] { script().chooseMenuItemByText(kSavedJobNameBoxID, document); }, "OK"},
+      {[] { Click(kSavedJobSecureCheckBoxID); }, "OK checked passcode focused"},  // 2 digits
+      {[] { Type(kSavedJobPasscodeFieldID, "3"); }, "OK checked passcode confirm focused"},
+      {[] { Type(kSavedJobPasscodeFieldID, kClear); }, "OK checked passcode focused"},
+      {[] { Click(kSavedJobSecureCheckBoxID); }, "OK"},
   };
+  Strings expected;
+  for (const auto& [step, after] : steps) {
+    step();
+    look();
+    expected.push_back(after);
+  }
+  Click(kSavedJobCancelButtonID);
+  run(1);  // the click on the dimmed OK
   EXPECT_EQ(seen_, expected);
 }
 
-TEST_F(SavedJobDialog, TheDialogStartsFromThePanelAndOKStoresWhatItShows) {
-  context_.useJobName = 0;
-  context_.savedJobName = "Minutes";
-  context_.savedJobLocation = "7";
-  context_.noLocation = 0;
-  context_.hasPasscode = 1;
-  context_.passcode = "4321";
-  std::vector<std::string> shown;
-  script().add("look at the fields", [&shown](Window& window) {
-    for (toolkit::ControlID id : {kSavedJobNameBoxID, kSavedJobFolderBoxID,
-                                  kSavedJobPasscodeFieldID, kSavedJobConfirmFieldID})
-      shown.push_back(window.findByID(id)->text());
-    EXPECT_TRUE(window.findByID(kSavedJobPasscodeFieldID)->isPassword());
-    EXPECT_TRUE(window.findByID(kSavedJobConfirmFieldID)->isPassword());
-    EXPECT_FALSE(window.findByID(kSavedJobFolderNameLabelID));
-    EXPECT_FALSE(window.findByID(kSavedJobFolderNamePopupID));
-    return noErr;
-  });
-  look();
-  script().sendCommand(kSavedJobHelpCommand);
-  script().click(kSavedJobOKButtonID);
-  run();
-  EXPECT_EQ(shown, (Strings{"Minutes", "7", "4321", "4321"}));
-  EXPECT_EQ(seen_, (std::vector<Seen>{{true, 1, true, true, false}}));
-  EXPECT_NE(stderr_.find("Values restored."), std::string::npos);
-  EXPECT_EQ(stderr_.find("4321"), std::string::npos) << "no passcode goes to the log";
-  ASSERT_EQ(toolkit::HeadlessAlerts().helpRequests().size(), 1u);
-  EXPECT_EQ(toolkit::HeadlessAlerts().helpRequests()[0].page, kSavedJobHelpPage);
-  EXPECT_EQ(context_.savedJobName, "Minutes");
-  EXPECT_EQ(context_.useJobName, 0);
-  EXPECT_EQ(context_.passcode, "4321");
-  // What the boxes showed is remembered, typed now or not.
-  EXPECT_EQ(History("savedJobNames"), Strings{"Minutes"});
-  EXPECT_EQ(History("mailboxNumbers"), Strings{"7"});
-}
-
-TEST_F(SavedJobDialog, AcceptStoresAndRemembersWhatWasTypedAndCancelNeither) {
+TEST_F(SavedJobDialog, ItStartsFromThePanelAndOKStoresAndRemembersWhatItShowsCancelNothing) {
   struct Case {
     const char* what;
-    bool useDocumentName;
-    bool accept;
-  } cases[] = {{"cancelled", false, false},
-               {"typed name", false, true},
-               {"document name", true, true}};
+    bool type, useDocumentName, accept;  // a new name (or the document's), folder and passcode
+    const char *name, *folder, *passcode;  // stored after
+    std::int32_t useJobName;
+    Strings names, folders;  // remembered after; the document name is no entry
+  } cases[] = {
+      {"untouched", false, false, true, "Minutes", "7", "4321", 0, {"Minutes"}, {"7"}},
+      {"typed, then Cancel", true, false, false, "Minutes", "7", "4321", 0, {}, {}},
+      {"typed", true, false, true, "Quarterly", "42", "9876", 0, {"Quarterly"}, {"42"}},
+      {"document name", true, true, true, "Minutes", "42", "9876", 1, {}, {"42"}},
+  };
+  const std::string document = localized("UseJobName");
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    context_ = PaperOutputContext();
-    context_.bundle = bundle_;
-    context_.useJobName = 1;
-    context_.savedJobName = "Old";
-    script().typeText(kSavedJobNameBoxID, kClear + "Quarterly");
-    if (c.useDocumentName)
-      script().chooseMenuItemByText(kSavedJobNameBoxID, localized("UseJobName"));
-    script().typeText(kSavedJobFolderBoxID, "42");
-    script().click(kSavedJobSecureCheckBoxID);
-    script().typeText(kSavedJobPasscodeFieldID, "9876");
-    script().typeText(kSavedJobConfirmFieldID, "9876");
-    script().click(c.accept ? kSavedJobOKButtonID : kSavedJobCancelButtonID);
-    run();
-    const PaperOutputContext before;
-    if (!c.accept) {
-      EXPECT_EQ(context_.savedJobName, "Old");
-      EXPECT_EQ(context_.useJobName, 1);
-      EXPECT_EQ(context_.savedJobLocation, before.savedJobLocation);
-      EXPECT_EQ(context_.noLocation, before.noLocation);
-      EXPECT_EQ(context_.hasPasscode, before.hasPasscode);
-      EXPECT_EQ(context_.passcode, before.passcode);
-      EXPECT_TRUE(History("savedJobNames").empty());
-      EXPECT_TRUE(History("mailboxNumbers").empty());
-      continue;
+    std::filesystem::remove_all(home_.path() / "varno");  // no history yet
+    start("7", 1, "4321");
+    context_.savedJobName = "Minutes";
+    context_.useJobName = 0;
+    look();
+    script().sendCommand(kSavedJobHelpCommand);
+    if (c.type) {
+      Type(kSavedJobNameBoxID, kClear + "Quarterly");
+      if (c.useDocumentName) script().chooseMenuItemByText(kSavedJobNameBoxID, document);
+      Type(kSavedJobFolderBoxID, kClear + "42");
+      Passcodes(kClear + "9876", kClear + "9876");
     }
-    EXPECT_EQ(context_.savedJobName, c.useDocumentName ? "Old" : "Quarterly");
-    EXPECT_EQ(context_.useJobName, c.useDocumentName ? 1 : 0);
-    EXPECT_EQ(context_.savedJobLocation, "42");
+    Click(c.accept ? kSavedJobOKButtonID : kSavedJobCancelButtonID);
+    run();
+    EXPECT_EQ(seen_, Strings{"OK checked passcode confirm"});
+    ASSERT_EQ(toolkit::HeadlessAlerts().helpRequests().size(), 1u);
+    EXPECT_EQ(toolkit::HeadlessAlerts().helpRequests()[0].page, kSavedJobHelpPage);
+    ASSERT_NE(stderr_, "") << "the log comes to standard error";
+    for (const char* passcode : {"4321", "9876"})
+      EXPECT_EQ(stderr_.find(passcode), std::string::npos) << "no passcode goes to the log";
+    EXPECT_EQ(context_.savedJobName, c.name);
+    EXPECT_EQ(context_.useJobName, c.useJobName);
+    EXPECT_EQ(context_.savedJobLocation, c.folder);
     EXPECT_EQ(context_.noLocation, 0);
     EXPECT_EQ(context_.hasPasscode, 1);
-    EXPECT_EQ(context_.passcode, "9876");
-    // The document name is no entry of the history, and a folder offered already is not
-    // added again.
-    EXPECT_EQ(History("savedJobNames"), Strings{"Quarterly"});
-    EXPECT_EQ(History("mailboxNumbers"), Strings{"42"});
+    EXPECT_EQ(context_.passcode, c.passcode);
+    EXPECT_EQ(History("savedJobNames"), c.names);
+    EXPECT_EQ(History("mailboxNumbers"), c.folders);
   }
 }
 
@@ -338,12 +224,8 @@ TEST_F(SavedJobDialog, AMissingWindowIsReportedAndChangesNothing) {
   dir.write("Bare.plugin/Contents/Info.plist",
             "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict/></plist>");
   context_.bundle = bundle::Bundle::Open(dir / "Bare.plugin");
-  ASSERT_TRUE(context_.bundle);
   context_.savedJobName = "Kept";
-  ::testing::internal::CaptureStderr();
   EXPECT_EQ(RunModalSavedJobDialog(&context_), kInterfaceFileNotFound);
-  EXPECT_NE(::testing::internal::GetCapturedStderr().find("RunModalSavedJobDialog() failed"),
-            std::string::npos);
   EXPECT_EQ(context_.savedJobName, "Kept");
   EXPECT_EQ(RunModalSavedJobDialog(nullptr), paramErr);
 }

@@ -22,38 +22,28 @@ namespace {
 using namespace varno::toolkit;
 using Strings = std::vector<std::string>;
 using vocabulary::SettingMap;
+using Step = std::function<void()>;  // what a person does to the box
 
-constexpr SettingMap kAutoMap[] = {{"Auto", 1000, 0, nullptr, 0}, {nullptr, 0, 0, nullptr, 0}};
-constexpr SettingMap kTwoRowMap[] = {
-    {"Auto", 1000, 0, nullptr, 0}, {"Public", 2000, 0, nullptr, 0}, {nullptr, 0, 0, nullptr, 0}};
-constexpr SettingMap kZeroFirstMap[] = {
-    {"None", 0, 0, nullptr, 0}, {"Auto", 1000, 0, nullptr, 0}, {nullptr, 0, 0, nullptr, 0}};
-constexpr SettingMap kZeroInsideMap[] = {{"Auto", 1000, 0, nullptr, 0},
-                                         {"None", 0, 0, nullptr, 0},
-                                         {"Public", 2000, 0, nullptr, 0},
-                                         {nullptr, 0, 0, nullptr, 0}};
-constexpr SettingMap kUnknownKeyMap[] = {{"No Such Key", 7, 0, nullptr, 0},
-                                         {nullptr, 0, 0, nullptr, 0}};
+constexpr SettingMap kAuto{"Auto", 1000, 0, nullptr, 0}, kPublic{"Public", 2000, 0, nullptr, 0};
+constexpr SettingMap kNone{"None", 0, 0, nullptr, 0}, kEnd{};
+constexpr SettingMap kAutoMap[] = {kAuto, kEnd};
+constexpr SettingMap kTwoRowMap[] = {kAuto, kPublic, kEnd};
+constexpr SettingMap kZeroFirstMap[] = {kNone, kAuto, kEnd};
+constexpr SettingMap kZeroInsideMap[] = {kAuto, kNone, kPublic, kEnd};
 
 class HistoryComboBox : public testing::ToolkitTest {
  protected:
   HistoryComboBox()
       : combo(add(ControlKind::ComboBox, 1)), elsewhere(add(ControlKind::EditText, 2)) {}
 
-  VComboBoxOptions Numeric(std::int32_t minValue, std::int32_t maxValue) const {
-    VComboBoxOptions options;
-    options.kind = kVComboBoxNumeric;
-    options.bundle = bundle;
-    options.minValue = minValue;
-    options.maxValue = maxValue;
-    return options;
+  VComboBoxOptions Numeric(std::int32_t lo, std::int32_t hi, const SettingMap* map = {}) {
+    return {.kind = kVComboBoxNumeric, .bundle = bundle, .map = map, .historyKey = {},
+            .allowedCharacters = {}, .minValue = lo, .maxValue = hi};
   }
-  VComboBoxOptions Text(std::int32_t maxLength, std::string allowed = {}) const {
-    VComboBoxOptions options;
-    options.kind = kVComboBoxText;
-    options.bundle = bundle;
-    options.minLength = 1;
-    options.maxLength = maxLength;
+  VComboBoxOptions Text(std::int32_t max, std::string allowed = {}, const SettingMap* map = {}) {
+    VComboBoxOptions options{.kind = kVComboBoxText, .bundle = bundle, .map = map,
+                             .historyKey = {}, .minLength = 1, .maxLength = max,
+                             .allowedCharacters = {}};
     if (!allowed.empty()) options.allowedCharacters = allowed;
     return options;
   }
@@ -62,36 +52,31 @@ class HistoryComboBox : public testing::ToolkitTest {
     options.historyLimit = limit;
     return options;
   }
-
+  Step Typed(std::string text) { return [=, this] { TypeText(combo, text); }; }
+  Step Chosen(std::string title) { return [=, this] { ChooseMenuItemByText(combo, title); }; }
+  Step Set(plist::Value value) { return [=, this] { VComboBoxSetValue(&combo, &value); }; }
+  void SetUpBox(const VComboBoxOptions& options) {
+    combo.setText({});
+    combo.menu()->deleteAllItems();
+    ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &options), noErr);
+  }
   static Strings Titles(const Control& box) {
     Strings titles;
     for (MenuItemIndex i = 1; i <= box.menu()->count(); ++i)
       titles.push_back(box.menu()->item(i)->text);
     return titles;
   }
-  static void Store(const std::string& key, const plist::Array& entries) {
-    std::optional<plist::Dictionary> file = sys::CopyUserPreferences(kInputHistoryFileName);
-    ASSERT_TRUE(file);
-    file->set(key, plist::Value(entries));
-    ASSERT_TRUE(sys::WriteUserPreferences(kInputHistoryFileName, *file));
-  }
-  static plist::Array Stored(const Strings& entries) {
-    plist::Array array;
+  static void Store(const std::string& key, const Strings& entries, plist::Array array = {}) {
     for (const std::string& entry : entries) array.append(plist::Value(entry));
-    return array;
+    const auto change = [&](plist::Dictionary& file) { file.set(key, plist::Value(array)); };
+    ASSERT_TRUE(sys::UpdateUserPreferences(kInputHistoryFileName, change));
   }
   static Strings History(const std::string& key = "entries") {
     Strings entries;
-    std::optional<plist::Dictionary> file = sys::CopyUserPreferences(kInputHistoryFileName);
-    std::optional<plist::Array> array = file ? file->getArray(key) : std::nullopt;
-    for (const plist::Value& entry : array.value_or(plist::Array()))
-      entries.push_back(entry.asString() ? *entry.asString() : "(not a string)");
+    for (const plist::Value& entry : sys::CopyUserPreferences(kInputHistoryFileName)
+                                         ->getArray(key).value_or(plist::Array()))
+      entries.push_back(*entry.asString());
     return entries;
-  }
-  std::optional<plist::Value> Value(Control& box, OSStatus expected = noErr) {
-    std::optional<plist::Value> value;
-    EXPECT_EQ(VComboBoxCopyValue(&box, &value), expected);
-    return value;
   }
 
   testing::TempDir folder;
@@ -103,199 +88,111 @@ class HistoryComboBox : public testing::ToolkitTest {
   Control& elsewhere;
 };
 
-TEST_F(HistoryComboBox, TypingFollowsTheKindOfBox) {
+TEST_F(HistoryComboBox, WhatIsTypedOrSetIsShownAndReadBackWithinTheBoxsRules) {
+  using V = plist::Value;
   struct Case {
     const char* what;
     VComboBoxOptions options;
-    const char* typed;
-    const char* shown;
+    Step enter;
+    const char* shown;         // while the person is in the box
+    const char* afterLeaving;  // null: as shown; numbers out of range become the nearest end
+    std::optional<V> value;    // nullopt: the box holds no value
   } cases[] = {
-      {"a maximum of 999 takes three digits", Numeric(1, 999), "12a345", "123"},
-      {"no maximum takes nine digits", Numeric(0, 0), "1234567890", "123456789"},
-      {"text keeps to its length and characters", Text(4, "abc "), "abxc ab", "abc "},
-      {"another kind has no rules", VComboBoxOptions{}, "any text at all!", "any text at all!"},
+      {"three digits below 1000", Numeric(1, 999), Typed("12a345"), "123", nullptr, V(123)},
+      {"no maximum", Numeric(0, 0), Typed("1234567890"), "123456789", nullptr, V(123456789)},
+      {"above the maximum", Numeric(1, 500), Typed("750"), "750", "500", V(500)},
+      {"below the minimum", Numeric(10, 999), Typed("5"), "5", "10", V(10)},
+      {"a number set", Numeric(1, 999), Set(V(42)), "42", nullptr, V(42)},
+      {"neither a string nor a number", Numeric(1, 999), Set(V(true)), "", nullptr, std::nullopt},
+      {"a fixed title", Numeric(1, 999, kAutoMap), Set(V(1000)), "Automatic", nullptr, V(1000)},
+      {"text of its length and characters", Text(4, "abc "), Typed("abxc ab"), "abc ", nullptr,
+       V("abc ")},
+      {"a fixed item in a text box", Text(24, {}, kAutoMap), Chosen("Automatic"), "Automatic",
+       nullptr, V(1000)},
+      {"typed text stays text", Text(24, {}, kAutoMap), Typed("1000"), "1000", nullptr, V("1000")},
+      {"no rules", VComboBoxOptions{}, Typed("any text!"), "any text!", nullptr, V("any text!")},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    combo.setText({});
-    ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &c.options), noErr);
-    TypeText(combo, c.typed);
-    EXPECT_EQ(combo.text(), c.shown);
-    VComboBoxFinalize(&combo, false);
-  }
-}
-
-TEST_F(HistoryComboBox, LeavingANumericFieldBringsItsNumberIntoRange) {
-  struct Case {
-    const char* what;
-    VComboBoxOptions options;
-    std::function<void()> enter;
-    const char* whileIn;
-    const char* afterLeaving;
-    std::int64_t value;
-  } cases[] = {
-      {"too large", Numeric(1, 999), [&] { plist::Value v("5000"); VComboBoxSetValue(&combo, &v); },
-       "5000", "999", 999},
-      {"typed above", Numeric(1, 500), [&] { TypeText(combo, "750"); }, "750", "500", 500},
-      {"typed below", Numeric(10, 999), [&] { TypeText(combo, "5"); }, "5", "10", 10},
-      {"zero below one", Numeric(1, 999), [&] { TypeText(combo, "0"); }, "0", "1", 1},
-      {"within", Numeric(1, 999), [&] { TypeText(combo, "250"); }, "250", "250", 250},
-      {"no maximum", Numeric(1, 0), [&] { TypeText(combo, "123456789"); }, "123456789",
-       "123456789", 123456789},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    combo.setText({});
-    ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &c.options), noErr);
+    SetUpBox(c.options);
     SetFocus(combo);
     c.enter();
-    EXPECT_EQ(combo.text(), c.whileIn) << "nothing changes while the person types";
+    EXPECT_EQ(combo.text(), c.shown);
     SetFocus(elsewhere);
-    EXPECT_EQ(combo.text(), c.afterLeaving);
-    EXPECT_EQ(Value(combo), plist::Value(c.value));
-    VComboBoxFinalize(&combo, false);
+    EXPECT_EQ(combo.text(), c.afterLeaving ? c.afterLeaving : c.shown);
+    std::optional<V> value;
+    EXPECT_EQ(VComboBoxCopyValue(&combo, &value), c.value ? noErr : kVComboBoxNoValue);
+    EXPECT_EQ(value, c.value);
   }
-}
-
-TEST_F(HistoryComboBox, ValuesGoBetweenTheTextAndNumbersOrStrings) {
-  VComboBoxOptions numeric = Numeric(1, 999);
-  numeric.map = kAutoMap;
-  ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &numeric), noErr);
-  const plist::Value fixed(1000), typed(42), flag(true), text("17");
-  VComboBoxSetValue(&combo, &fixed);
-  EXPECT_EQ(combo.text(), "Automatic");
-  SetFocus(combo);
-  SetFocus(elsewhere);
-  EXPECT_EQ(combo.text(), "Automatic") << "a fixed item's title is no number to bring into range";
-  EXPECT_EQ(Value(combo), plist::Value(1000));
-  VComboBoxSetValue(&combo, &typed);
-  EXPECT_EQ(combo.text(), "42");
-  EXPECT_EQ(Value(combo), plist::Value(42));
-  VComboBoxSetValue(&combo, &flag);
-  EXPECT_EQ(combo.text(), "42") << "neither a string nor a number";
-  VComboBoxSetValue(&combo, &text);
-  EXPECT_EQ(Value(combo), plist::Value(17));
-  combo.setText({});
-  EXPECT_FALSE(Value(combo, kVComboBoxNoValue));
-
-  VComboBoxOptions words = Text(24);
-  words.map = kAutoMap;
-  ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &words), noErr);
-  ChooseMenuItemByText(combo, "Automatic");
-  EXPECT_EQ(Value(combo), plist::Value(1000));
-  TypeText(combo, std::string(9, '\b') + "1000");
-  EXPECT_EQ(Value(combo), plist::Value("1000")) << "typed text stays text";
 }
 
 TEST_F(HistoryComboBox, TheListHoldsTheMapsItemsThenTheStoredEntriesThatFit) {
-  plist::Array stored = Stored({"12", "1000", "abc"});
-  stored.append(plist::Value(7));  // not a string: never offered
-  for (const char* entry : {"0", "999", "1.5", "ok", "far too long", "bad!", ""})
-    stored.append(plist::Value(entry));
-  Store("entries", stored);
-  struct Case {
-    const char* what;
-    VComboBoxOptions options;
-    const SettingMap* map;
-    Strings titles;
-  } cases[] = {
-      {"every row", Numeric(1, 999), kTwoRowMap, {"Automatic", "Public Folder"}},
-      {"a first row of 0 gives none", Numeric(1, 999), kZeroFirstMap, {}},
-      {"a row of 0 ends them", Numeric(1, 999), kZeroInsideMap, {"Automatic"}},
-      {"a missing string says so", Numeric(1, 999), kUnknownKeyMap, {"STRING NOT FOUND"}},
-      {"numbers in range", WithHistory(Numeric(1, 999)), kAutoMap, {"Automatic", "12", "999"}},
-      {"no maximum", WithHistory(Numeric(0, 0)), nullptr, {"12", "1000", "0", "999"}},
-      {"text that fits", WithHistory(Text(5, "abcdefghijklmnopqrstuvwxyz0123456789")), nullptr,
-       {"12", "1000", "abc", "0", "999", "ok"}},
-      {"any text", WithHistory(VComboBoxOptions{}), nullptr,
-       {"12", "1000", "abc", "0", "999", "1.5", "ok", "far too long", "bad!", ""}},
+  Store("entries", {"12", "1000", "abc", "0", "999", "1.5", "ok", "far too long", "bad!", ""},
+        plist::Array{plist::Value(7)});  // not a string: never offered
+  const std::pair<VComboBoxOptions, Strings> cases[] = {
+      {Numeric(1, 999, kTwoRowMap), {"Automatic", "Public Folder"}},  // every row
+      {Numeric(1, 999, kZeroFirstMap), {}},  // a first row of 0 gives none
+      {Numeric(1, 999, kZeroInsideMap), {"Automatic"}},  // a row of 0 ends them
+      {WithHistory(Numeric(1, 999, kAutoMap)), {"Automatic", "12", "999"}},  // numbers in range
+      {WithHistory(Numeric(0, 0)), {"12", "1000", "0", "999"}},  // no maximum
+      {WithHistory(Text(5, "abcdefghijklmnopqrstuvwxyz0123456789")),
+       {"12", "1000", "abc", "0", "999", "ok"}},  // text that fits
+      {WithHistory(VComboBoxOptions{}),
+       {"12", "1000", "abc", "0", "999", "1.5", "ok", "far too long", "bad!", ""}},  // any text
   };
-  for (Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    combo.menu()->deleteAllItems();
-    c.options.map = c.map;
-    ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &c.options), noErr);
-    EXPECT_EQ(Titles(combo), c.titles);
-    VComboBoxFinalize(&combo, false);
+  for (const auto& [options, titles] : cases) {
+    SetUpBox(options);
+    EXPECT_EQ(Titles(combo), titles);
   }
-  combo.menu()->deleteAllItems();
-  VComboBoxOptions unlocalized = Numeric(1, 999);
-  unlocalized.map = kAutoMap;
-  unlocalized.bundle = nullptr;
-  VComboBoxInitializeWithMapAndHistory(&combo, &unlocalized);
-  EXPECT_TRUE(Titles(combo).empty()) << "fixed items need a bundle for their titles";
 }
 
-TEST_F(HistoryComboBox, ConfirmingPutsANewEntryFirstWithinTheLimit) {
+TEST_F(HistoryComboBox, ConfirmingPutsANewEntryFirstInTheRereadFileWithinTheLimit) {
   const Strings five = {"e1", "e2", "e3", "e4", "e5"};
+  Store("otherKey", {"kept"});
   struct Case {
     const char* what;
     std::int32_t limit;
-    std::function<void()> enter;
+    Step enter;
     bool save;
     Strings after;
   } cases[] = {
-      {"a new entry pushes out the oldest", 5, [&] { TypeText(combo, "new"); }, true,
-       {"new", "e1", "e2", "e3", "e4"}},
-      {"no limit keeps them all", 0, [&] { TypeText(combo, "new"); }, true,
-       {"new", "e1", "e2", "e3", "e4", "e5"}},
-      {"a fixed item's title is no entry", 5, [&] { ChooseMenuItemByText(combo, "Automatic"); },
-       true, five},
-      {"an entry in the list already", 5, [&] { ChooseMenuItemByText(combo, "e3"); }, true, five},
+      {"a new entry pushes out the oldest", 5, Typed("new"), true, {"new", "e1", "e2", "e3", "e4"}},
+      {"no limit keeps them all", 0, Typed("new"), true, {"new", "e1", "e2", "e3", "e4", "e5"}},
+      {"another dialog saved meanwhile", 5,
+       [&] { Store("entries", {"theirs", "e1"}); TypeText(combo, "new"); }, true,
+       {"new", "theirs", "e1"}},
+      {"a fixed item's title is no entry", 5, Chosen("Automatic"), true, five},
+      {"an entry in the list already", 5, Chosen("e3"), true, five},
       {"an empty field", 5, [] {}, true, five},
-      {"not confirmed", 5, [&] { TypeText(combo, "new"); }, false, five},
+      {"not confirmed", 5, Typed("new"), false, five},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    Store("entries", Stored(five));
-    combo.setText({});
-    combo.menu()->deleteAllItems();
-    VComboBoxOptions options = WithHistory(Text(24), c.limit);
-    options.map = kAutoMap;
-    ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &options), noErr);
+    Store("entries", five);
+    SetUpBox(WithHistory(Text(24, {}, kAutoMap), c.limit));
     c.enter();
     EXPECT_EQ(VComboBoxFinalize(&combo, c.save), noErr);
     EXPECT_EQ(History(), c.after);
+    EXPECT_EQ(History("otherKey"), Strings{"kept"});
   }
 }
 
-TEST_F(HistoryComboBox, ASaveRereadsTheFileAndChangesOnlyItsOwnKey) {
-  Store("entries", Stored({"first"}));
-  const VComboBoxOptions options = WithHistory(Text(24), 10);
-  ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &options), noErr);
-  // Another dialog confirms entries while this one is open.
-  Store("otherKey", Stored({"kept"}));
-  Store("entries", Stored({"theirs", "first"}));
-  TypeText(combo, "mine");
-  ASSERT_EQ(VComboBoxFinalize(&combo, true), noErr);
-  EXPECT_EQ(History("otherKey"), Strings{"kept"});
-  EXPECT_EQ(History(), (Strings{"mine", "theirs", "first"}));
-
-  // A folder where the file should go: the entry cannot be kept, and the box says so.
-  ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &options), noErr);
+TEST_F(HistoryComboBox, FinalizingReportsAFailedSaveAndLetsGoOfTheBoxsState) {
+  const VComboBoxOptions options = WithHistory(Text(24));
+  const long before = bundle.use_count();
+  SetUpBox(options);
+  SetUpBox(options);  // set up again: the earlier state goes
+  // A folder where the file should go: the entry cannot be kept.
   TypeText(combo, "lost");
-  std::filesystem::remove_all(folder / "varno");
   std::filesystem::create_directories(folder / "varno" / kInputHistoryFileName);
   ::testing::internal::CaptureStderr();
   EXPECT_EQ(VComboBoxFinalize(&combo, true), kPMIOError);
   ::testing::internal::GetCapturedStderr();
-}
-
-TEST_F(HistoryComboBox, TheBoxLetsGoOfItsStateWhenFinalizedOrDisposedOf) {
-  const VComboBoxOptions options = WithHistory(Text(24));
-  const long before = bundle.use_count();
-  ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &options), noErr);
-  ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&combo, &options), noErr);
-  EXPECT_EQ(bundle.use_count(), before + 1) << "setting a box up again replaces its state";
-  EXPECT_TRUE(combo.property(kVComboBoxCreator, kVComboBoxContextTag));
-  EXPECT_EQ(VComboBoxFinalize(&combo, false), noErr);
   EXPECT_EQ(bundle.use_count(), before);
-  EXPECT_FALSE(combo.property(kVComboBoxCreator, kVComboBoxContextTag));
   EXPECT_EQ(VComboBoxFinalize(&combo, false), paramErr);
 
   Control& other = add(ControlKind::ComboBox, 4);
   ASSERT_EQ(VComboBoxInitializeWithMapAndHistory(&other, &options), noErr);
-  EXPECT_EQ(bundle.use_count(), before + 1);
   ASSERT_EQ(other.dispose(), noErr);
   EXPECT_EQ(bundle.use_count(), before) << "disposed of without finalizing";
 }
