@@ -30,7 +30,9 @@ struct ProgramRun {
 ProgramRun VarnoPrint(const std::string& arguments, const TempDir& dir) {
   ProgramRun run;
   std::string err = (dir / "stderr.txt").string();
-  FILE* pipe = ::popen((kProgram + " " + arguments + " 2>'" + err + "'").c_str(), "r");
+  // The set-ups remember what was typed in the user's preferences: the test's own, not theirs.
+  const std::string config = (dir / "config").string();
+  FILE* pipe = ::popen(("XDG_CONFIG_HOME='" + config + "' " + kProgram + " " + arguments + " 2>'" + err + "'").c_str(), "r");
   if (!pipe) return run;
   char buffer[4096];
   for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) run.out.append(buffer, n);
