@@ -50,7 +50,6 @@ OSStatus GetPanelInterface(host::PanelInterfaceHolder** out) {
 }
 
 constexpr char kBookletWatermark[] = "BookletWatermark";
-constexpr char kSpecialPages[] = "SpecialPages";
 constexpr char kJobNotes[] = "JobNotes";
 
 }  // namespace
@@ -60,10 +59,7 @@ extern "C" varno::OSStatus GetBookletWatermarkPanelInterface(
     varno::host::PanelInterfaceHolder** out) {
   return varno::panels::GetPanelInterface<varno::panels::kBookletWatermark>(out);
 }
-// Exported for a panel table that names them; the host's own table does not.
-extern "C" varno::OSStatus GetSpecialPagesPanelInterface(varno::host::PanelInterfaceHolder** out) {
-  return varno::panels::GetPanelInterface<varno::panels::kSpecialPages>(out);
-}
+// Exported for a panel table that names it; the host's own table does not.
 extern "C" varno::OSStatus GetJobNotesPanelInterface(varno::host::PanelInterfaceHolder** out) {
   return varno::panels::GetPanelInterface<varno::panels::kJobNotes>(out);
 }
