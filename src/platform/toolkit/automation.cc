@@ -228,8 +228,7 @@ void AddListState(ListView& list, plist::Dictionary& state) {
   }
   plist::Array selection;
   for (DataBrowserItemID item : list.selection()) {
-    auto row = std::find(list.items().begin(), list.items().end(), item) - list.items().begin();
-    selection.append(static_cast<std::int64_t>(row));
+    selection.append(static_cast<std::int64_t>(list.rowOf(item).value_or(list.items().size())));
   }
   state.set("Columns", columns);
   state.set("Rows", rows);

@@ -2,14 +2,37 @@
 #include "platform/toolkit/list_view.h"
 
 #include <algorithm>
-#include <set>
 
 namespace varno::toolkit {
 namespace {
 
-bool Holds(const std::vector<DataBrowserItemID>& list, DataBrowserItemID item) {
-  return std::find(list.begin(), list.end(), item) != list.end();
-}
+// A selection being built: items in the order they were selected, each once. An item
+// taken out leaves a hole, so the others keep their places without moving the rest.
+class SelectionBuilder {
+ public:
+  explicit SelectionBuilder(const std::vector<DataBrowserItemID>& start) {
+    for (DataBrowserItemID item : start) add(item);
+  }
+  bool contains(DataBrowserItemID item) const { return slots_.contains(item); }
+  void add(DataBrowserItemID item) {
+    if (slots_.emplace(item, order_.size()).second) order_.push_back(item);
+  }
+  void remove(DataBrowserItemID item) {
+    auto it = slots_.find(item);
+    if (it == slots_.end()) return;
+    order_[it->second] = kDataBrowserNoItem;  // never an item of a list
+    slots_.erase(it);
+  }
+  // The items in order; contains() still answers for them afterwards.
+  std::vector<DataBrowserItemID> take() {
+    std::erase(order_, kDataBrowserNoItem);
+    return std::move(order_);
+  }
+
+ private:
+  std::vector<DataBrowserItemID> order_;
+  std::unordered_map<DataBrowserItemID, std::size_t> slots_;
+};
 
 }  // namespace
 
@@ -32,16 +55,22 @@ void ListView::addColumn(ListColumn column) {
   notify(ControlChange::What::ListColumns);
 }
 
-bool ListView::containsItem(DataBrowserItemID item) const { return Holds(items_, item); }
+bool ListView::containsItem(DataBrowserItemID item) const { return rows_.contains(item); }
 
-bool ListView::isSelected(DataBrowserItemID item) const { return Holds(selection_, item); }
+std::optional<std::size_t> ListView::rowOf(DataBrowserItemID item) const {
+  auto it = rows_.find(item);
+  if (it == rows_.end()) return std::nullopt;
+  return it->second;
+}
+
+bool ListView::isSelected(DataBrowserItemID item) const { return selected_.contains(item); }
 
 DataBrowserItemID ListView::anchor() const {
   return selection_.empty() ? kDataBrowserNoItem : selection_.front();
 }
 
 OSStatus ListView::addItems(std::span<const DataBrowserItemID> items) {
-  std::set<DataBrowserItemID> seen;
+  std::unordered_set<DataBrowserItemID> seen(items.size());
   for (DataBrowserItemID item : items) {
     if (item == kDataBrowserNoItem || containsItem(item) || !seen.insert(item).second) {
       return paramErr;
@@ -49,7 +78,11 @@ OSStatus ListView::addItems(std::span<const DataBrowserItemID> items) {
   }
   if (items.empty()) return noErr;
   std::vector<Notice> notices;
+  notices.reserve(items.size());
+  items_.reserve(items_.size() + items.size());
+  rows_.reserve(items_.size() + items.size());
   for (DataBrowserItemID item : items) {
+    rows_.emplace(item, items_.size());
     items_.push_back(item);
     notices.emplace_back(item, kDataBrowserItemAdded);
   }
@@ -65,13 +98,31 @@ OSStatus ListView::removeItems(std::span<const DataBrowserItemID> items) {
     if (!containsItem(item)) return errDataBrowserItemNotFound;
   }
   if (doomed.empty()) return noErr;
+  // Rows are marked by position, then the list closes up in one pass.
+  std::vector<bool> gone(items_.size());
   std::vector<Notice> notices;
-  std::size_t selected = selection_.size();
+  notices.reserve(doomed.size() + 1);
+  std::size_t firstGone = items_.size();
   for (DataBrowserItemID item : doomed) {
-    std::erase(items_, item);
-    std::erase(selection_, item);
+    const std::size_t row = rows_.at(item);
+    gone[row] = true;
+    firstGone = std::min(firstGone, row);
     notices.emplace_back(item, kDataBrowserItemRemoved);
   }
+  const std::size_t selected = selection_.size();
+  std::erase_if(selection_, [&](DataBrowserItemID item) { return gone[rows_.at(item)]; });
+  std::size_t kept = firstGone;
+  for (std::size_t row = firstGone; row < items_.size(); ++row) {
+    const DataBrowserItemID item = items_[row];
+    if (gone[row]) {
+      rows_.erase(item);
+      selected_.erase(item);
+    } else {
+      rows_[item] = kept;
+      items_[kept++] = item;
+    }
+  }
+  items_.resize(kept);
   notify(ControlChange::What::ListItems);
   if (selection_.size() != selected) {
     notices.emplace_back(kDataBrowserNoItem, kDataBrowserSelectionSetChanged);
@@ -86,46 +137,39 @@ OSStatus ListView::setSelection(std::span<const DataBrowserItemID> items,
   for (DataBrowserItemID item : items) {
     if (!containsItem(item)) return errDataBrowserItemNotFound;
   }
-  std::vector<DataBrowserItemID> next;
+  SelectionBuilder next(how == kDataBrowserItemsAssign ? std::vector<DataBrowserItemID>() : selection_);
   switch (how) {
     case kDataBrowserItemsAssign:
-      for (DataBrowserItemID item : items) {
-        if (!Holds(next, item)) next.push_back(item);
-      }
-      break;
     case kDataBrowserItemsAdd:
-      next = selection_;
-      for (DataBrowserItemID item : items) {
-        if (!Holds(next, item)) next.push_back(item);
-      }
+      for (DataBrowserItemID item : items) next.add(item);
       break;
     case kDataBrowserItemsToggle:
-      next = selection_;
       for (DataBrowserItemID item : items) {
-        if (Holds(next, item)) {
-          std::erase(next, item);
+        if (next.contains(item)) {
+          next.remove(item);
         } else {
-          next.push_back(item);
+          next.add(item);
         }
       }
       break;
     case kDataBrowserItemsRemove:
-      next = selection_;
-      for (DataBrowserItemID item : items) std::erase(next, item);
+      for (DataBrowserItemID item : items) next.remove(item);
       break;
     default:
       return paramErr;
   }
-  if (next == selection_) return noErr;
+  std::vector<DataBrowserItemID> chosen = next.take();
+  if (chosen == selection_) return noErr;
   std::vector<Notice> notices;
   for (DataBrowserItemID item : selection_) {
-    if (!Holds(next, item)) notices.emplace_back(item, kDataBrowserItemDeselected);
+    if (!next.contains(item)) notices.emplace_back(item, kDataBrowserItemDeselected);
   }
-  for (DataBrowserItemID item : next) {
-    if (!Holds(selection_, item)) notices.emplace_back(item, kDataBrowserItemSelected);
+  for (DataBrowserItemID item : chosen) {
+    if (!isSelected(item)) notices.emplace_back(item, kDataBrowserItemSelected);
   }
   notices.emplace_back(kDataBrowserNoItem, kDataBrowserSelectionSetChanged);
-  selection_ = std::move(next);
+  selection_ = std::move(chosen);
+  selected_ = std::unordered_set<DataBrowserItemID>(selection_.begin(), selection_.end());
   notify(ControlChange::What::ListSelection);
   tell(notices);
   return noErr;

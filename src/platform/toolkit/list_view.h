@@ -14,8 +14,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/toolkit/control.h"
@@ -65,6 +68,8 @@ class ListView final : public Control {
   // Rows in display order.
   const std::vector<DataBrowserItemID>& items() const { return items_; }
   bool containsItem(DataBrowserItemID item) const;
+  // The item's position in display order; none when it is not in the list.
+  std::optional<std::size_t> rowOf(DataBrowserItemID item) const;
   // Appends rows. paramErr, and nothing added, for kDataBrowserNoItem or an item that is
   // there already (or given twice).
   OSStatus addItems(std::span<const DataBrowserItemID> items);
@@ -102,7 +107,10 @@ class ListView final : public Control {
 
   std::vector<ListColumn> columns_;
   std::vector<DataBrowserItemID> items_;
+  // Each item's position in items_: finding a row costs the same in a list of 100,000.
+  std::unordered_map<DataBrowserItemID, std::size_t> rows_;
   std::vector<DataBrowserItemID> selection_;
+  std::unordered_set<DataBrowserItemID> selected_;  // the items of selection_
   CellTextCallback cellText_;
   NotificationCallback notification_;
 };

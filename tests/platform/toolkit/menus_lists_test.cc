@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <span>
 
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/list_view.h"
@@ -119,6 +121,62 @@ TEST_F(ListViewTest, CellTextComesFromTheCallerWhoMayRefuseAProperty) {
                             plist::Dictionary{{"PAGE", "5-7"}, {"TYPE", "Exception"}}};
   EXPECT_EQ(state.getArray("Rows"), expectedRows);
   EXPECT_EQ(state.getArray("Selection"), (plist::Array{2, 0}));
+}
+
+TEST_F(ListViewTest, RemovedRowsCloseUpAndAreForgottenWhereverTheyWere) {
+  Row more[3] = {{"9", "Insert"}, {"11", "Insert"}, {"Back", "Cover"}};
+  std::vector<DataBrowserItemID> all = ids;
+  for (const Row& row : more) all.push_back(reinterpret_cast<DataBrowserItemID>(&row));
+  ASSERT_EQ(list.addItems(std::span(all).subspan(3)), noErr);
+  SelectListItems(list, std::vector{all[4], all[1], all[5]});
+  notices.clear();
+
+  ASSERT_EQ(list.removeItems(std::vector{all[4], all[1]}), noErr);
+  EXPECT_THAT(list.items(), ElementsAre(all[0], all[2], all[3], all[5]));
+  for (std::size_t row = 0; row < list.items().size(); ++row) EXPECT_EQ(list.rowOf(list.items()[row]), row);
+  EXPECT_FALSE(list.containsItem(all[4]));
+  EXPECT_FALSE(list.isSelected(all[1]));
+  EXPECT_THAT(list.selection(), ElementsAre(all[5]));
+  EXPECT_THAT(notices, ElementsAre(std::pair(all[4], kDataBrowserItemRemoved),
+                                   std::pair(all[1], kDataBrowserItemRemoved),
+                                   std::pair(kDataBrowserNoItem, kDataBrowserSelectionSetChanged)));
+  EXPECT_EQ(ReadControlState(list).getArray("Selection"), (plist::Array{3}));
+
+  // A removed row comes back at the end, unselected; removing all forgets every row.
+  ASSERT_EQ(list.addItems(std::vector{all[1]}), noErr);
+  EXPECT_EQ(list.rowOf(all[1]), 4u);
+  EXPECT_FALSE(list.isSelected(all[1]));
+  ASSERT_EQ(list.removeItems({}), noErr);
+  EXPECT_TRUE(list.items().empty());
+  EXPECT_TRUE(list.selection().empty());
+  EXPECT_FALSE(list.containsItem(all[0]) || list.isSelected(all[5]));
+}
+
+TEST_F(ListViewTest, EachWayOfSelectingKeepsTheOrderOfSelecting) {
+  struct Case {
+    std::vector<std::size_t> start;
+    DataBrowserSetOption how;
+    std::vector<std::size_t> items, expected;
+  };
+  const Case cases[] = {
+      {{0, 1, 2}, kDataBrowserItemsToggle, {1, 1}, {0, 2, 1}},  // off, then on again at the end
+      {{0, 1, 2}, kDataBrowserItemsRemove, {0, 2, 0}, {1}},
+      {{2}, kDataBrowserItemsAdd, {0, 2, 0}, {2, 0}},
+      {{0, 1}, kDataBrowserItemsAssign, {2, 2, 1}, {2, 1}},
+  };
+  auto itemsAt = [&](const std::vector<std::size_t>& rows) {
+    std::vector<DataBrowserItemID> items;
+    for (std::size_t row : rows) items.push_back(ids[row]);
+    return items;
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::PrintToString(c.items));
+    ASSERT_EQ(SelectListItems(list, itemsAt(c.start)), noErr);
+    ASSERT_EQ(SelectListItems(list, itemsAt(c.items), c.how), noErr);
+    EXPECT_EQ(list.selection(), itemsAt(c.expected));
+    for (std::size_t row = 0; row < ids.size(); ++row)
+      EXPECT_EQ(list.isSelected(ids[row]), std::ranges::count(c.expected, row) == 1) << row;
+  }
 }
 
 using ChangeNotification = ToolkitTest;
