@@ -227,15 +227,11 @@ void UpdateSpecialPagesCommandButtons() {
   enable(panel->editButton, selection.size() == 1);
   enable(panel->deleteButton, !selection.empty());
   enable(panel->deleteAllButton, !panel->list->items().empty());
-  // The last selected row decides; covers and exceptions never move.
-  bool up = false, down = false;
-  for (DataBrowserItemID item : selection) {
-    const auto* insert = dynamic_cast<const Insert*>(PageOf(item));
-    up = insert && panel->inserts->canPromote(insert);
-    down = insert && panel->inserts->canDemote(insert);
-  }
-  enable(panel->moveUpButton, up);
-  enable(panel->moveDownButton, down);
+  // The last selected row decides, so only it is asked (finding an insert in its list
+  // walks the list); covers and exceptions never move.
+  const auto* insert = selection.empty() ? nullptr : dynamic_cast<const Insert*>(PageOf(selection.back()));
+  enable(panel->moveUpButton, insert && panel->inserts->canPromote(insert));
+  enable(panel->moveDownButton, insert && panel->inserts->canDemote(insert));
   enable(panel->undoButton, panel->undoExceptions || panel->undoInserts || panel->undoFrontCover ||
                                 panel->undoBackCover);
 }
