@@ -9,6 +9,7 @@
 #include <QDateTimeEdit>
 #include <QGroupBox>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -22,7 +23,9 @@
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -419,8 +422,11 @@ void WindowRenderer::refreshAspect(Control& control, What what) {
       break;
     case What::ListColumns:
     case What::ListItems:
-    case What::ListSelection:
       if (toolkit::ListView* list = toolkit::AsListView(&control)) refreshList(*list);
+      break;
+    case What::ListSelection:
+      // The rows stay: a click in a long list does not make every row again.
+      if (toolkit::ListView* list = toolkit::AsListView(&control)) refreshListSelection(*list);
       break;
     case What::Embedded:
     case What::Removed:
@@ -501,16 +507,45 @@ void WindowRenderer::refreshList(toolkit::ListView& list) {
   for (std::size_t c = 0; c < list.columns().size(); ++c)
     if (list.columns()[c].width > 0) tree->setColumnWidth(static_cast<int>(c), list.columns()[c].width);
   tree->clear();
+  // The rows are filled before the tree has them and handed over in one call, and the
+  // selection is set once as runs of rows: row by row, Qt's model and selection model do
+  // work for every row that grows with the list.
+  QList<QTreeWidgetItem*> rows;
+  rows.reserve(static_cast<qsizetype>(list.items().size()));
   for (toolkit::DataBrowserItemID id : list.items()) {
-    auto* row = new QTreeWidgetItem(tree);
+    auto* row = new QTreeWidgetItem();
     row->setData(0, Qt::UserRole, QVariant::fromValue<qulonglong>(id));
     for (std::size_t c = 0; c < list.columns().size(); ++c) {
       std::string text;
       if (list.cellText(id, list.columns()[c].property, &text) == noErr)
         row->setText(static_cast<int>(c), Q(text));
     }
-    row->setSelected(list.isSelected(id));
+    rows.append(row);
   }
+  tree->addTopLevelItems(rows);
+  refreshListSelection(list);
+}
+
+void WindowRenderer::refreshListSelection(toolkit::ListView& list) {
+  auto* tree = qobject_cast<QTreeWidget*>(widgetFor(&list));
+  if (!tree) return;
+  if (tree->topLevelItemCount() != static_cast<int>(list.items().size())) {
+    refreshList(list);  // rows out of step: make them again, selection included
+    return;
+  }
+  const QSignalBlocker blocker(tree);
+  std::vector<int> selected;
+  for (toolkit::DataBrowserItemID id : list.selection())
+    if (std::optional<std::size_t> row = list.rowOf(id)) selected.push_back(static_cast<int>(*row));
+  std::sort(selected.begin(), selected.end());
+  QItemSelection runs;
+  for (std::size_t i = 0; i < selected.size();) {
+    std::size_t last = i;
+    while (last + 1 < selected.size() && selected[last + 1] == selected[last] + 1) ++last;
+    runs.select(tree->model()->index(selected[i], 0), tree->model()->index(selected[last], 0));
+    i = last + 1;
+  }
+  tree->selectionModel()->select(runs, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 void WindowRenderer::refreshFocus() {
@@ -562,7 +597,14 @@ void WindowRenderer::act(Control& control, Action action) {
   action(control);
   // Only when the control is still the one shown by that widget: a control disposed of
   // by the handlers may have left its address to a new one.
-  if (window_ && widget && widgetFor(&control) == widget) refresh(control);
+  if (!window_ || !widget || widgetFor(&control) != widget) return;
+  // A person changes only a list's selection; its rows follow the toolkit's notices, so
+  // a click in a long list does not make every row again.
+  if (control.kind() == ControlKind::ListView) {
+    refreshAspect(control, What::ListSelection);
+  } else {
+    refresh(control);
+  }
 }
 
 void WindowRenderer::connectActions(Control& control, QWidget* widget) {

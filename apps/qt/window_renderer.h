@@ -58,7 +58,9 @@ class WindowRenderer final : public QObject {
   void refresh(toolkit::Control& control);
   void refreshAspect(toolkit::Control& control, toolkit::ControlChange::What what);
   void refreshMenu(toolkit::Control& control);
+  // The list's columns and rows, then its selection; or the selection alone.
   void refreshList(toolkit::ListView& list);
+  void refreshListSelection(toolkit::ListView& list);
   void refreshFocus();
   void refreshAccessibleName(toolkit::Control& control);
   void subscribeMenu(toolkit::Control& control);
