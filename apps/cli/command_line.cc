@@ -92,7 +92,7 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
       {"--dry-run", &options.dryRun},          {"--save-defaults", &options.saveDefaults},
       {"--ticket-from-defaults", &options.ticketFromDefaults}, {"--help", &options.help},
       {"--version", &options.version},         {"--verbose", &options.verbose},
-      {"-v", &options.verbose}};
+      {"-v", &options.verbose},                {"--list-special-pages", &options.listSpecialPages}};
   auto usage = [](const std::string& message) {
     std::cerr << "varno-print: " << message << "\nTry 'varno-print --help' for more information.\n";
     return std::nullopt;
@@ -136,8 +136,10 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
       if (name == valuedName) slot = target;
     const bool ppdChoice = name == "-o";
     const bool copies = name == "-n" || name == "--copies";
+    const bool specialPages = IsSpecialPagesOption(name);
     const SettingOption* setting = name.starts_with("--") ? FindSettingOption(name.substr(2)) : nullptr;
-    if (!slot && !setting && !ppdChoice && !copies) return usage("unknown option '" + std::string(name) + "'");
+    if (!slot && !setting && !ppdChoice && !copies && !specialPages)
+      return usage("unknown option '" + std::string(name) + "'");
     std::string value;
     if (attached) value = *attached;
     else if (i + 1 < argc) value = argv[++i];
@@ -145,6 +147,11 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
 
     if (setting) {
       options.settings.emplace_back(setting, value);
+    } else if (specialPages) {
+      std::string error;
+      std::optional<SpecialPagesRequest> request = ReadSpecialPagesOption(name, value, &error);
+      if (!request) return usage(error);
+      options.specialPages.push_back(std::move(*request));
     } else if (copies) {
       int count = 0;
       const auto [end, fault] = std::from_chars(value.data(), value.data() + value.size(), count);
