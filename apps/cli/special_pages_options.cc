@@ -298,9 +298,13 @@ bool IsSpecialPagesOption(std::string_view name) {
 std::optional<SpecialPagesRequest> ReadSpecialPagesOption(std::string_view name, std::string_view value,
                                                           std::string* error) {
   SpecialPagesRequest request;
-  request.option = std::string(name) + " " + std::string(value);
+  // Messages repeat the value; a long page list is cut short there.
+  constexpr std::size_t kShownLength = 40;
+  const std::string shown =
+      value.size() > kShownLength ? std::string(value.substr(0, kShownLength)) + "..." : std::string(value);
+  request.option = std::string(name) + " " + shown;
   auto wrong = [&](const std::string& why) {
-    if (error) *error = std::string(name) + ": \"" + std::string(value) + "\" is not " + Syntax(name) + "; " + why;
+    if (error) *error = std::string(name) + ": \"" + shown + "\" is not " + Syntax(name) + "; " + why;
     return std::nullopt;
   };
   if (name == "--delete-special-pages") {
@@ -322,9 +326,11 @@ std::optional<SpecialPagesRequest> ReadSpecialPagesOption(std::string_view name,
   request.pages = std::string(parts[0]);
   if (request.kind == Kind::Insert && plist::EqualCaseInsensitive(parts[0], kBeforePage1)) {
     request.beforePage1 = true;
-  } else if (parts[0].empty() || parts[0].find_first_not_of(kPageCharacters) != std::string_view::npos) {
-    return wrong("type the pages as the dialog takes them, numbers and ranges separated by commas, "
-                 "e.g. 1,3,5-12");
+  } else if (parts[0].empty()) {
+    return wrong("give the pages as numbers and ranges separated by commas, e.g. 1,3,5-12");
+  } else if (const std::size_t bad = parts[0].find_first_not_of(kPageCharacters); bad != std::string_view::npos) {
+    return wrong("the dialog's page field takes digits, commas, dashes and blanks, not \"" +
+                 std::string(1, parts[0][bad]) + "\"");
   }
   bool stockGiven = false;
   for (std::size_t i = 1; i < parts.size(); ++i) {
