@@ -6,6 +6,7 @@
 #include "model/special_page_lists.h"
 #include "panels/special_pages/page_ranges.h"
 #include "model/special_pages_ticket.h"
+#include "vocabulary/ppd_access.h"
 #include "vocabulary/setting_maps.h"
 #include "special_pages_fixture.h"
 
@@ -50,10 +51,16 @@ auto WithPages(std::vector<model::Insert> inserts, std::vector<model::ExceptionP
 using SpecialPagesPanel = SpecialPagesPane;
 
 TEST_F(SpecialPagesPanel, ListsPagesInPageOrderWithExceptionsBeforeInsertsOnTheirFirstPage) {
-  OpenPane(WithPages({InsertAfter(3, 2), InsertAfter(0)}, {Exception(3, 4, 2), Exception(7, 7)}));
-  EXPECT_EQ(Rows(), (std::vector<std::string>{"Before Page 1|Insert|Quantity [1]; White",
+  OpenPane([](print::Ticket& ticket) {
+    WithPages({InsertAfter(3, 2), InsertAfter(0)}, {Exception(3, 4, 2), Exception(7, 7)})(ticket);
+    vocabulary::PPDSetCurrentChoice(&ticket, "VNFrontCoverSheet", "Auto");
+    vocabulary::PPDSetCurrentChoice(&ticket, "VNBackCoverSheet", "Auto");
+  });
+  EXPECT_EQ(Rows(), (std::vector<std::string>{"Front|Cover|Blank or Preprinted",
+                                              "Before Page 1|Insert|Quantity [1]; White",
                                               "3-4|Exception|2-Sided (Long Edge); White",
-                                              "3|Insert|Quantity [2]; White", "7|Exception|White"}));
+                                              "3|Insert|Quantity [2]; White", "7|Exception|White",
+                                              "Back|Cover|Blank or Preprinted"}));
   EXPECT_FALSE(Enabled(kEditSpecialPageButtonID));
   EXPECT_TRUE(Enabled(kDeleteAllSpecialPagesButtonID));
   EXPECT_FALSE(Enabled(kUndoSpecialPagesButtonID));
