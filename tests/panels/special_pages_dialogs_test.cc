@@ -10,6 +10,7 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/automation_script.h"
 #include "platform/toolkit/window.h"
+#include "ui/stock_menus.h"
 #include "vocabulary/setting_maps.h"
 #include "special_pages_fixture.h"
 
@@ -31,10 +32,10 @@ class SpecialPagesDialogs : public SpecialPagesPane {
   static void chooseColor(std::int32_t stockButton, std::int32_t color) {
     script().add("colour", [=](toolkit::Window& window) {
       toolkit::Control* button = window.findByID(Id(stockButton));
-      for (toolkit::MenuItemIndex i = 1; button && i <= button->menu()->count(); ++i) {
+      for (toolkit::MenuItemIndex i = 1; i <= button->menu()->count(); ++i) {
         const toolkit::MenuItem* item = button->menu()->item(i);
-        if (!item->submenu || !item->submenu->findRefCon(static_cast<toolkit::URefCon>(color))) continue;
-        return toolkit::ChooseSubmenuItem(*button, i, item->submenu->findRefCon(static_cast<toolkit::URefCon>(color)));
+        if (item->command == ui::kStockColorCommand && item->submenu)
+          return toolkit::ChooseSubmenuItem(*button, i, item->submenu->findRefCon(static_cast<toolkit::URefCon>(color)));
       }
       return menuItemNotFoundErr;
     });
