@@ -214,9 +214,11 @@ std::string ListText(toolkit::ListView& list) {
     for (std::size_t c = 0; c < 2; ++c) widths[c] = std::max(widths[c], plist::CharacterCount(line[c]));
   std::string text;
   for (const auto& line : lines) {
+    std::string row;
     for (std::size_t c = 0; c < 2; ++c)
-      text += line[c] + std::string(widths[c] + 2 - plist::CharacterCount(line[c]), ' ');
-    text += line[2] + "\n";
+      row += line[c] + std::string(widths[c] + 2 - plist::CharacterCount(line[c]), ' ');
+    row += line[2];
+    text += row.substr(0, row.find_last_not_of(' ') + 1) + "\n";
   }
   return text;
 }
