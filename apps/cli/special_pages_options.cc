@@ -2,11 +2,10 @@
 #include "special_pages_options.h"
 
 #include <algorithm>
-#include <cctype>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <memory>
-#include <utility>
 
 #include "common/pane_driver.h"
 #include "model/special_pages_ticket.h"
@@ -18,7 +17,6 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/list_view.h"
-#include "ui/stock_menus.h"
 
 namespace varno::cli {
 namespace {
