@@ -76,8 +76,9 @@ OSStatus PaneDriver::open() {
 OSStatus PaneDriver::sync(bool syncDirection) {
   if (!allowed(initialized_ && table_->Sync, "Sync")) return kPMOutOfScope;
   OSStatus status = table_->Sync(context_, session_, syncDirection);
-  // A pane reading a ticket that lacks some of its keys reports the missing key.
-  if (syncDirection && status == kPMInvalidKey) status = noErr;
+  // A missing key is no failure either way: a pane reading a ticket that lacks some of its
+  // keys reports it, and so does one writing an empty list whose key was never there.
+  if (status == kPMInvalidKey) status = noErr;
   return result(status, "Sync");
 }
 

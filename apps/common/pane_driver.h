@@ -35,7 +35,8 @@ class PaneDriver {
   OSStatus initialize(print::Session* session, toolkit::Control* parent);
   OSStatus open();
   // Writes the pane into the ticket (false) or reads it back (true). A read that found only
-  // some of the keys it looks for has still read what there was: it is no failure.
+  // some of the keys it looks for has still read what there was, and a write that had an
+  // absent key to remove has still written the rest: neither is a failure.
   OSStatus sync(bool syncDirection);
   OSStatus close();
   OSStatus terminate(OSStatus status);
