@@ -15,6 +15,7 @@
 #include <QRadioButton>
 #include <QTimer>
 #include <QToolButton>
+#include <QTreeWidget>
 #include <deque>
 #include <memory>
 #include <QtTest>
@@ -25,11 +26,13 @@
 #include <random>
 
 #include "host/dialog_host.h"
+#include "model/special_pages_ticket.h"
 #include "panels/image_options/advanced_panel.h"
 #include "panels/image_options/image_options_panel.h"
 #include "panels/paper_output/delayed_print_setup.h"
 #include "panels/paper_output/paper_output_panel.h"
 #include "panels/paper_output/secure_print_setup.h"
+#include "panels/special_pages/special_pages_ids.h"
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
 #include "platform/print/framework_keys.h"
@@ -269,6 +272,26 @@ class PrintDialogTest : public QObject {
   }
   void makeAllChoices() {
     for (const WindowChoice& choice : kWindowChoices) make(choice);
+  }
+  // Steps that choose `covers` in the covers dialog once it is open, and press OK.
+  void chooseCovers(Steps& steps, const QString& covers) {
+    steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this, covers] {
+      QWidget* modal = ModalDialog(dialog_.get());
+      QVERIFY(QTest::qWaitForWindowExposed(modal));
+      ChooseByKeys(PopupOffering(modal, covers), covers);
+      ClickButton(modal, "OK");
+    });
+  }
+  QAbstractButton* specialPagesButton(std::int32_t id) {
+    return qobject_cast<QAbstractButton*>(widget({panels::kSpecialPagesSignature, id}));
+  }
+  // The Special Pages list as "PAGE TYPE" rows.
+  QStringList specialPageRows() {
+    auto* list = qobject_cast<QTreeWidget*>(widget({panels::kSpecialPagesSignature, panels::kSpecialPagesListID}));
+    QStringList rows;
+    for (int i = 0; list && i < list->topLevelItemCount(); ++i)
+      rows << list->topLevelItem(i)->text(0) + " " + list->topLevelItem(i)->text(1);
+    return rows;
   }
   QString saveSettings(const QString& name) {
     const QString file = folder_.path() + "/" + name;
@@ -740,6 +763,49 @@ class PrintDialogTest : public QObject {
     QFile f(ticket);
     QVERIFY(f.open(QIODevice::ReadOnly));
     QCOMPARE(f.readAll(), before);
+  }
+
+  // The Special Pages pane beside the plug-in's: chosen in the pane chooser, it shows in the
+  // same place; the covers both panes keep go from one to the other through the ticket, and
+  // whichever pane is shown is written last, so what the person sees is what is saved.
+  void specialPagesPaneSharesTheTicket() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    QCOMPARE(dialog_->paneChooser()->count(), 2);
+    QWidget* plugInPane = widget({host::kHostSignature, host::kSelectorID});
+    QVERIFY(plugInPane && plugInPane->isVisible() && !specialPagesButton(panels::kAddCoversButtonID)->isVisible());
+    auto* paper = qobject_cast<QToolButton*>(widget({panels::kPaperOutputSignature, panels::kStockMenuButtonID}));
+    Steps steps;
+    struct Case {
+      bool inSpecialPages;  // the pane the covers are chosen in
+      const char* covers;
+      QStringList rows;  // the Special Pages list after
+    } cases[] = {
+        {false, "Front Cover Only", {"Front Cover"}},
+        {true, "Front and Back Covers", {"Front Cover", "Back Cover"}},
+        {false, "No Covers", {}},
+    };
+    for (const Case& c : cases) {
+      ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(c.inSpecialPages ? 1 : 0));
+      QCOMPARE(plugInPane->isVisible(), !c.inSpecialPages);
+      QCOMPARE(specialPagesButton(panels::kAddCoversButtonID)->isVisible(), c.inSpecialPages);
+      if (!c.inSpecialPages) ScriptMenuChoice(steps, {"Covers…"});
+      chooseCovers(steps, c.covers);
+      QTest::mouseClick(c.inSpecialPages ? specialPagesButton(panels::kAddCoversButtonID) : paper, Qt::LeftButton);
+      QTRY_VERIFY(steps.done());
+      // Saved from the pane the choice was made in, while the other still holds the old covers.
+      const QString file = saveSettings("covers.plist");
+      QVERIFY2(QFileInfo::exists(file), qPrintable(dialog_->statusText()));
+      const print::Ticket saved = Load(file);
+      QCOMPARE(saved.item(model::kFrontCoverKey) != nullptr, !c.rows.empty());
+      QCOMPARE(saved.item(model::kBackCoverKey) != nullptr, c.rows.size() == 2);
+      ChooseByKeys(dialog_->paneChooser(), "Special Pages");
+      QCOMPARE(specialPageRows(), c.rows);
+    }
+    Photograph(dialog_.get(), "pane-special-pages");
+
+    // The framework's help goes to the pane shown.
+    QTest::mouseClick(button("?"), Qt::LeftButton);
+    QVERIFY(!urls_.empty() && QString::fromStdString(urls_.back()).endsWith("/Special_Pages/m_special_pages.htm"));
   }
 
   // Needs root and cupsd, as the printing test does (label cups).
