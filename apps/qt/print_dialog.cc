@@ -9,13 +9,13 @@
 #include <QVBoxLayout>
 #include <iostream>
 
+#include "panels/special_pages/special_pages_ids.h"
 #include "platform/print/cups_queue.h"
 #include "platform/print/framework_keys.h"
 #include "platform/print/job_options.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/automation.h"
 #include "platform/toolkit/text_editing.h"
-#include "panels/special_pages/special_pages_ids.h"
 #include "vocabulary/plugin_bundle.h"
 
 namespace varno::qt {
@@ -24,7 +24,6 @@ namespace {
 
 using toolkit::Control;
 using toolkit::ControlKind;
-using print::FrameworkDriver;
 
 // The framework's own controls in the dialog's toolkit window.
 constexpr OSType kFrameworkSignature = MakeOSType("Vfrm");
@@ -264,13 +263,10 @@ void PrintDialog::listPrinters() {
 }
 
 void PrintDialog::closePlugIn() {
-  // A framework ends its own pane before the plug-in it came from.
+  // A framework ends its own pane (the driver closes and terminates it) before the plug-in
+  // it came from.
   panes_->clear();
-  if (specialPages_) {
-    if (specialPages_->isOpen()) specialPages_->close();
-    specialPages_->terminate(userCanceledErr);
-    specialPages_.reset();
-  }
+  specialPages_.reset();
   if (driver_) {
     driver_->close();
     driver_->terminate(userCanceledErr);
@@ -366,7 +362,7 @@ bool PrintDialog::openPlugIn(QString* problem) {
     return false;
   }
   setWindowTitle(tr("Print — %1").arg(Q(ppd_.nickName)));
-  FrameworkDriver* plugIn = driver_.get();
+  print::FrameworkDriver* plugIn = driver_.get();
   panes_->add({Q(plugIn->prologueInfo().title), pane_, [plugIn](bool direction) { return plugIn->sync(direction); },
                [plugIn] { return plugIn->error(); }});
   openSpecialPages();
@@ -383,8 +379,6 @@ void PrintDialog::openSpecialPages() {
       pane.initialize(session_.get(), specialArea_) != noErr || pane.open() != noErr) {
     say(tr("The Special Pages pane is not offered: %1. The other Varno options work as usual; reinstall "
            "the Varno printing package to get it back.").arg(Q(pane.error())), true);
-    if (pane.isOpen()) pane.close();
-    pane.terminate(userCanceledErr);
     specialPages_.reset();
     return;
   }

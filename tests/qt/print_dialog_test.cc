@@ -780,9 +780,10 @@ class PrintDialogTest : public QObject {
       const char* covers;
       QStringList rows;  // the Special Pages list after
     } cases[] = {
-        {false, "Front Cover Only", {"Front Cover"}},
-        {true, "Front and Back Covers", {"Front Cover", "Back Cover"}},
+        {false, "Front and Back Covers", {"Front Cover", "Back Cover"}},
+        {true, "Front Cover Only", {"Front Cover"}},
         {false, "No Covers", {}},
+        {true, "Front Cover Only", {"Front Cover"}},
     };
     for (const Case& c : cases) {
       ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(c.inSpecialPages ? 1 : 0));
