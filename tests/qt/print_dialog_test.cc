@@ -802,11 +802,47 @@ class PrintDialogTest : public QObject {
       ChooseByKeys(dialog_->paneChooser(), "Special Pages");
       QCOMPARE(specialPageRows(), c.rows);
     }
-    Photograph(dialog_.get(), "pane-special-pages");
 
-    // The framework's help goes to the pane shown.
-    QTest::mouseClick(button("?"), Qt::LeftButton);
-    QVERIFY(!urls_.empty() && QString::fromStdString(urls_.back()).endsWith("/Special_Pages/m_special_pages.htm"));
+    // Inserts after pages 2 and 5, and pages 3 to 4 printed on one side, typed into their
+    // dialogs; the plug-in's pane, shown and written last, keeps them in the ticket.
+    struct Typed {
+      std::int32_t button;
+      const char* pages;
+      const char* sides;  // the exception's 2-sided printing, or null
+      const char* photo;
+    } typed[] = {{panels::kAddInsertsButtonID, "2,5", nullptr, "dialog-inserts"},
+                 {panels::kAddExceptionsButtonID, "3-4", "Off", "dialog-exceptions"}};
+    for (const Typed& t : typed) {
+      steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this, t] {
+        QWidget* modal = ModalDialog(dialog_.get());
+        QVERIFY(QTest::qWaitForWindowExposed(modal));
+        QLineEdit* pages = nullptr;  // the field nearest the top
+        for (QLineEdit* field : modal->findChildren<QLineEdit*>())
+          if (!pages || field->mapTo(modal, QPoint()).y() < pages->mapTo(modal, QPoint()).y()) pages = field;
+        QTest::keyClicks(pages, t.pages);
+        if (t.sides) ChooseByKeys(PopupOffering(modal, t.sides), t.sides);
+        Photograph(modal, t.photo);
+        ClickButton(modal, "OK");
+      });
+      QTest::mouseClick(specialPagesButton(t.button), Qt::LeftButton);
+      QTRY_VERIFY(steps.done());
+    }
+    QCOMPARE(specialPageRows(), (QStringList{"Front Cover", "2 Insert", "3-4 Exception", "5 Insert"}));
+    Photograph(dialog_.get(), "pane-special-pages");
+    ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(0));
+    const print::Ticket saved = Load(saveSettings("special.plist"));
+    for (auto [key, count] : {std::pair{model::kInsertListKey, 2}, std::pair{model::kExceptionListKey, 1}}) {
+      const print::Ticket::Item* list = saved.item(key);
+      QVERIFY2(list && list->value.asArray() && int(list->value.asArray()->size()) == count, key);
+    }
+
+    // The framework's help goes to the pane shown, which opens its own page.
+    for (auto [pane, page] : {std::pair{0, "/Help/index.html"}, std::pair{1, "/Special_Pages/m_special_pages.htm"}}) {
+      ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(pane));
+      urls_.clear();
+      QTest::mouseClick(button("?"), Qt::LeftButton);
+      QVERIFY2(urls_.size() == 1 && QString::fromStdString(urls_.back()).endsWith(page), page);
+    }
   }
 
   // Needs root and cupsd, as the printing test does (label cups).
