@@ -829,7 +829,9 @@ class PrintDialogTest : public QObject {
     }
     QCOMPARE(specialPageRows(), (QStringList{"Front Cover", "2 Insert", "3-4 Exception", "5 Insert"}));
     Photograph(dialog_.get(), "pane-special-pages");
+    // Leaving the pane wrote them into the session's ticket; saving writes them again.
     ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(0));
+    QVERIFY(dialog_->session()->printSettings().item(model::kInsertListKey));
     const print::Ticket saved = Load(saveSettings("special.plist"));
     for (auto [key, count] : {std::pair{model::kInsertListKey, 2}, std::pair{model::kExceptionListKey, 1}}) {
       const print::Ticket::Item* list = saved.item(key);
