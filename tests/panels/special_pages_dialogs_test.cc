@@ -10,6 +10,7 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/automation_script.h"
 #include "platform/toolkit/window.h"
+#include "ui/stock_menus.h"
 #include "vocabulary/setting_maps.h"
 #include "special_pages_fixture.h"
 
@@ -31,10 +32,10 @@ class SpecialPagesDialogs : public SpecialPagesPane {
   static void chooseColor(std::int32_t stockButton, std::int32_t color) {
     script().add("colour", [=](toolkit::Window& window) {
       toolkit::Control* button = window.findByID(Id(stockButton));
-      for (toolkit::MenuItemIndex i = 1; button && i <= button->menu()->count(); ++i) {
+      for (toolkit::MenuItemIndex i = 1; i <= button->menu()->count(); ++i) {
         const toolkit::MenuItem* item = button->menu()->item(i);
-        if (!item->submenu || !item->submenu->findRefCon(static_cast<toolkit::URefCon>(color))) continue;
-        return toolkit::ChooseSubmenuItem(*button, i, item->submenu->findRefCon(static_cast<toolkit::URefCon>(color)));
+        if (item->command == ui::kStockColorCommand && item->submenu)
+          return toolkit::ChooseSubmenuItem(*button, i, item->submenu->findRefCon(static_cast<toolkit::URefCon>(color)));
       }
       return menuItemNotFoundErr;
     });
@@ -128,30 +129,35 @@ TEST_F(SpecialPagesDialogs, EditingAnInsertReplacesItByTheTypedPages) {
   EXPECT_EQ(Rows(), (Rows_{"4|Insert|Quantity [1]", "6|Insert|Quantity [1]"}));
 }
 
-TEST_F(SpecialPagesDialogs, RefusedRangesAlertKeepTheTextAndChangeNothing) {
+TEST_F(SpecialPagesDialogs, RefusedPagesAlertKeepTheTextAndChangeNothing) {
   struct Case {
+    std::int32_t button, field;
     const char* pages;
     const char* alert;
   } cases[] = {
-      {"0-3", "Page numbers start at 1"},
-      {"5-3", "Range in the wrong order"},
-      {"2,100000", "Page number too large"},
+      {kAddExceptionsButtonID, kExceptionPagesFieldID, "0-3", "Page numbers start at 1"},
+      {kAddExceptionsButtonID, kExceptionPagesFieldID, "5-3", "Range in the wrong order"},
+      {kAddExceptionsButtonID, kExceptionPagesFieldID, "2,100000", "Page number too large"},
+      {kAddInsertsButtonID, kInsertPagesFieldID, "4,5-3", "Range in the wrong order"},
   };
   OpenPane();
+  addException("3");
   for (const Case& c : cases) {
     SCOPED_TRACE(c.pages);
     toolkit::HeadlessAlerts().clear();
-    script().typeText(Id(kExceptionPagesFieldID), c.pages);
+    script().typeText(Id(c.field), c.pages);
     script().sendCommand(toolkit::kHICommandOK);
     std::string kept;
-    peek(&kept, [](toolkit::Window& w) { return Text(w, kExceptionPagesFieldID); });
+    peek(&kept, [&](toolkit::Window& w) { return Text(w, c.field); });
     script().sendCommand(toolkit::kHICommandCancel);
-    run(kAddExceptionsButtonID);
+    run(c.button);
     EXPECT_EQ(kept, c.pages);
     EXPECT_EQ(alertTitles(), (std::vector<std::string>{c.alert}));
-    EXPECT_TRUE(Rows().empty());
-    EXPECT_FALSE(Enabled(kUndoSpecialPagesButtonID));
+    EXPECT_EQ(Rows(), (Rows_{"3|Exception|"}));
   }
+  // No refusal took the undo step: undo still takes back the first exception.
+  ASSERT_EQ(Press(kUndoSpecialPagesButtonID), noErr);
+  EXPECT_TRUE(Rows().empty());
 }
 
 TEST_F(SpecialPagesDialogs, NewExceptionsWinWhereTheyMeetOlderOnes) {
