@@ -13,6 +13,7 @@
 
 #include "panels/special_pages/page_ranges.h"
 #include "panels/special_pages/special_pages_panel.h"
+#include "platform/toolkit/alerts.h"
 #include "platform/toolkit/character_set.h"
 #include "platform/toolkit/event.h"
 #include "platform/toolkit/interface_file.h"
@@ -139,6 +140,11 @@ OSStatus ExceptionsEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef 
       DefaultExceptions(*dialog);
       return noErr;
     case toolkit::kHICommandOK:
+      // A key equivalent reaches here even while OK is dimmed.
+      if (Control* ok = dialog->window->defaultButton(); ok && !ok->isEnabled()) {
+        toolkit::SysBeep(10);
+        return noErr;
+      }
       if (Accept(*dialog)) {
         dialog->result = kOK;
         dialog->window->quitModalLoop();
