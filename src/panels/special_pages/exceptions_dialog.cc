@@ -8,10 +8,12 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "panels/special_pages/page_ranges.h"
 #include "panels/special_pages/special_pages_panel.h"
+#include "platform/toolkit/alerts.h"
 #include "platform/toolkit/character_set.h"
 #include "platform/toolkit/event.h"
 #include "platform/toolkit/interface_file.h"
@@ -138,6 +140,11 @@ OSStatus ExceptionsEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef 
       DefaultExceptions(*dialog);
       return noErr;
     case toolkit::kHICommandOK:
+      // A key equivalent reaches here even while OK is dimmed.
+      if (Control* ok = dialog->window->defaultButton(); ok && !ok->isEnabled()) {
+        toolkit::SysBeep(10);
+        return noErr;
+      }
       if (Accept(*dialog)) {
         dialog->result = kOK;
         dialog->window->quitModalLoop();

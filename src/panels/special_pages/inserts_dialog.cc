@@ -9,10 +9,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "panels/special_pages/page_ranges.h"
 #include "panels/special_pages/special_pages_panel.h"
+#include "platform/toolkit/alerts.h"
 #include "platform/toolkit/character_set.h"
 #include "platform/toolkit/event.h"
 #include "platform/toolkit/interface_file.h"
@@ -95,11 +97,12 @@ void ShowOption(InsertsDialog& dialog) {
   EnableOK(dialog);
 }
 
-void ShowInsert(InsertsDialog& dialog, std::int32_t page, std::int32_t quantity) {
+// Shows the working insert's stock with the other choices given.
+void ShowInsert(InsertsDialog& dialog, std::int32_t option, std::string pages, std::int32_t quantity) {
   ui::ShowStockSummary(dialog.bundle, dialog.summary, &dialog.working.stock(), ui::kInsertStockContext);
   ShowQuantity(dialog, quantity);
-  vocabulary::SetPopupButtonToTicketValue(dialog.optionPopup, page == 0 ? kInsertBeforePage1 : kInsertAfterPage);
-  dialog.pagesField->setText(page > 0 ? std::to_string(page) : std::string());
+  vocabulary::SetPopupButtonToTicketValue(dialog.optionPopup, option);
+  dialog.pagesField->setText(std::move(pages));
   ShowOption(dialog);
 }
 
@@ -110,7 +113,7 @@ void DefaultInserts(InsertsDialog& dialog) {
   if (dialog.jobLevelStock) dialog.working.stock() = *dialog.jobLevelStock;
   ui::DefaultStock(&dialog.working.stock(), ui::kInsertStockContext);
   dialog.working.stock().setSource(vocabulary::kUnsetValue);
-  ShowInsert(dialog, -1, kMinQuantity);
+  ShowInsert(dialog, kInsertAfterPage, {}, kMinQuantity);
 }
 
 // The pages the new inserts follow; nullopt after telling the person what is wrong.
@@ -178,6 +181,11 @@ OSStatus InsertsEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef eve
       DefaultInserts(*dialog);
       return noErr;
     case toolkit::kHICommandOK:
+      // A key equivalent reaches here even while OK is dimmed.
+      if (Control* ok = dialog->window->defaultButton(); ok && !ok->isEnabled()) {
+        toolkit::SysBeep(10);
+        return noErr;
+      }
       if (Accept(*dialog)) {
         dialog->result = kOK;
         dialog->window->quitModalLoop();
@@ -241,7 +249,9 @@ void InitializeInsertsDialog(InsertsDialog& dialog) {
 
   if (dialog.mode == kSpecialPagesDialogEdit) {
     dialog.working = *dialog.edited;
-    ShowInsert(dialog, dialog.edited->startPage(), dialog.edited->quantity());
+    const std::int32_t page = dialog.edited->startPage();
+    ShowInsert(dialog, page == 0 ? kInsertBeforePage1 : kInsertAfterPage, page == 0 ? "" : std::to_string(page),
+               dialog.edited->quantity());
   } else {
     DefaultInserts(dialog);
   }
