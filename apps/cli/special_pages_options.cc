@@ -163,7 +163,11 @@ ApplyResult AddExceptions(const SpecialPagesPane& pane, const SpecialPagesReques
   ScriptRetype(script, DialogControl(panels::kExceptionPagesFieldID), request.pages);
   if (plexText) script.chooseMenuItemByText(DialogControl(panels::kExceptionPlexPopupID), *plexText);
   ScriptStock(script, pane, request, panels::kExceptionStockButtonID, unknown);
-  return PressAndRunDialog(pane, request, panels::kAddExceptionsButtonID, "exceptions", unknown);
+  const ApplyResult result = PressAndRunDialog(pane, request, panels::kAddExceptionsButtonID, "exceptions", unknown);
+  // A lone word after the ranges may have been meant as the 2-sided printing.
+  if (result == ApplyResult::UnknownChoice && request.stock.size() == 1 && pane.error)
+    *pane.error += "; 2-sided printing is one, long or short";
+  return result;
 }
 
 // Selects the rows and presses Delete, or presses Delete All, and answers "Yes".
