@@ -14,6 +14,7 @@ const char* const kUsage =
     "                   [-o KEY=VALUE]... [-n COPIES] [-t TITLE]\n"
     "                   [--ticket IN.plist | --ticket-from-defaults] [--save-ticket OUT.plist]\n"
     "                   [--summary] [--list] [--dry-run] [--save-defaults]\n"
+    "                   [special pages options] [--list-special-pages]\n"
     "                   [--session FILE] [--save FILE] [--bundle-path DIR] [-v] [FILE...]\n"
     "\n"
     "Loads the Varno plug-in bundle, opens the Print dialog on a printer and makes the\n"
@@ -68,6 +69,19 @@ const char* const kUsage =
     "A job is confirmed as the Print button does it: a LAN fax job needs recipients,\n"
     "which only the dialog sets so far.\n"
     "\n"
+    "Special pages options, made in the Special Pages pane after the settings above, in\n"
+    "command-line order. SIZE,COLOR,TYPE is the pages' paper (an empty part: the job's):\n"
+    "  --insert PAGES|before-1[:qty=N][:SIZE,COLOR,TYPE]\n"
+    "                          N blank sheets (default 1) after each page of PAGES, as\n"
+    "                          typed in the dialog (5,2,5 or 3-6), or before page 1\n"
+    "  --exception RANGES[:one|long|short][:SIZE,COLOR,TYPE]\n"
+    "                          page ranges (1-3,7) printed 1-sided or 2-sided on the\n"
+    "                          long or short edge, or on other paper; a range over\n"
+    "                          earlier ones takes their place on its pages\n"
+    "  --delete-special-pages all|N[,N...]\n"
+    "                          delete everything, or rows N of the pane's list\n"
+    "  --list-special-pages    print the pane's list (row 1 is the line below the titles)\n"
+    "\n"
     "Every option that takes a value also takes it as --name=value (-Pqueue for the short\n"
     "ones). Without --ppd, -P or --session the bundled sample printer is used.\n"
     "Exit status: 0 done, 1 failed (the message says why), 2 the command line is wrong.\n";
@@ -92,7 +106,7 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
       {"--dry-run", &options.dryRun},          {"--save-defaults", &options.saveDefaults},
       {"--ticket-from-defaults", &options.ticketFromDefaults}, {"--help", &options.help},
       {"--version", &options.version},         {"--verbose", &options.verbose},
-      {"-v", &options.verbose}};
+      {"-v", &options.verbose},                {"--list-special-pages", &options.listSpecialPages}};
   auto usage = [](const std::string& message) {
     std::cerr << "varno-print: " << message << "\nTry 'varno-print --help' for more information.\n";
     return std::nullopt;
@@ -136,8 +150,10 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
       if (name == valuedName) slot = target;
     const bool ppdChoice = name == "-o";
     const bool copies = name == "-n" || name == "--copies";
+    const bool specialPages = IsSpecialPagesOption(name);
     const SettingOption* setting = name.starts_with("--") ? FindSettingOption(name.substr(2)) : nullptr;
-    if (!slot && !setting && !ppdChoice && !copies) return usage("unknown option '" + std::string(name) + "'");
+    if (!slot && !setting && !ppdChoice && !copies && !specialPages)
+      return usage("unknown option '" + std::string(name) + "'");
     std::string value;
     if (attached) value = *attached;
     else if (i + 1 < argc) value = argv[++i];
@@ -145,6 +161,11 @@ std::optional<Options> ParseArguments(int argc, char** argv) {
 
     if (setting) {
       options.settings.emplace_back(setting, value);
+    } else if (specialPages) {
+      std::string error;
+      std::optional<SpecialPagesRequest> request = ReadSpecialPagesOption(name, value, &error);
+      if (!request) return usage(error);
+      options.specialPages.push_back(std::move(*request));
     } else if (copies) {
       int count = 0;
       const auto [end, fault] = std::from_chars(value.data(), value.data() + value.size(), count);

@@ -9,6 +9,7 @@
 
 #include "dialog_settings.h"
 #include "job_type_setups.h"
+#include "special_pages_options.h"
 
 namespace varno::cli {
 
@@ -25,12 +26,15 @@ struct Options {
   bool help = false;
   bool version = false;
   bool verbose = false;  // the informational lines on standard error
+  bool listSpecialPages = false;
   // -o KEY=VALUE: PPD choices, in command-line order.
   std::vector<std::pair<std::string, std::string>> ppdChoices;
   // What the job type's set-up gets: --passcode, --print-at, --mailbox, --job-name.
   JobSetup setup;
   // (setting option, value) in command-line order.
   std::vector<std::pair<const SettingOption*, std::string>> settings;
+  // --insert, --exception, --delete-special-pages in command-line order.
+  std::vector<SpecialPagesRequest> specialPages;
   // Files to print, in order.
   std::vector<std::string> files;
 };

@@ -19,6 +19,7 @@
 #include "command_line.h"
 #include "common/job_setup.h"
 #include "dialog_settings.h"
+#include "special_pages_options.h"
 #include "panels/paper_output/paper_output_panel.h"
 #include "platform/plist/file.h"
 #include "platform/plist/text.h"
@@ -196,7 +197,8 @@ void WarnAboutKeptTonerSaver(const Options& options, const print::Ticket& ticket
 }
 
 // Runs the dialog on the session: Prologue, Initialize, Open, the user's choices, a Sync
-// to the ticket, then whatever output asks for the open dialog (--list, --summary).
+// to the ticket, the Special Pages pane when it is asked for, then whatever output asks
+// for the open dialog (--list, --summary, --list-special-pages).
 int RunDialog(const Options& options, const hosts::PPDDefaults& ppd, print::Session& session) {
   // The dialog the plug-in draws into; declared before the driver, which closes and
   // terminates the plug-in while the window still exists.
@@ -235,7 +237,7 @@ int RunDialog(const Options& options, const hosts::PPDDefaults& ppd, print::Sess
   }
   // A job that is printed or written out is confirmed with OK, as the Print button does;
   // looking at the settings (--list, --summary) is not.
-  if (!options.list && !options.summary) {
+  if (!options.list && !options.summary && !options.listSpecialPages) {
     const std::size_t notices = toolkit::HeadlessAlerts().notices().size();
     toolkit::SendCommand(*window, toolkit::kHICommandOK);
     if (!okAccepted) {
@@ -247,6 +249,15 @@ int RunDialog(const Options& options, const hosts::PPDDefaults& ppd, print::Sess
   }
   if (driver.sync(false) != noErr) return Fail("writing the ticket failed: " + driver.error());
   WarnAboutKeptTonerSaver(options, session.printSettings());
+  std::string specialPages;
+  if (!options.specialPages.empty() || options.listSpecialPages) {
+    switch (cli::RunSpecialPagesPane(*pane, driver.bundle(), session, ppd, options.specialPages,
+                                     options.listSpecialPages ? &specialPages : nullptr, &error)) {
+      case cli::ApplyResult::Applied: break;
+      case cli::ApplyResult::UnknownChoice: return Fail(error, kExitUsage);
+      case cli::ApplyResult::Failed: return Fail(error);
+    }
+  }
 
   if (options.list) std::cout << settings.list();
   if (options.summary) {
@@ -256,6 +267,7 @@ int RunDialog(const Options& options, const hosts::PPDDefaults& ppd, print::Sess
                   "see every setting and its value");
     std::cout << summary;
   }
+  std::cout << specialPages;
   if (driver.close() != noErr || driver.terminate(noErr) != noErr)
     return Fail("the plug-in failed to close: " + driver.error());
   return 0;
@@ -297,7 +309,7 @@ int Deliver(const Options& options, print::Session& session) {
     if (job == 0) return Fail(error);
     // As lp says it, on standard output, so scripts written for lp read it the same way.
     std::cout << "request id is " << queue << "-" << job << " (" << files.size() << " file(s))\n";
-  } else if (!options.saveTicket && !options.list && !options.summary) {
+  } else if (!options.saveTicket && !options.list && !options.summary && !options.listSpecialPages) {
     std::optional<std::string> xml = plist::ToXML(ticket.toPropertyList(), &error);
     if (!xml) return Fail(error);
     std::cout << *xml;

@@ -76,8 +76,9 @@ OSStatus PaneDriver::open() {
 OSStatus PaneDriver::sync(bool syncDirection) {
   if (!allowed(initialized_ && table_->Sync, "Sync")) return kPMOutOfScope;
   OSStatus status = table_->Sync(context_, session_, syncDirection);
-  // A pane reading a ticket that lacks some of its keys reports the missing key.
-  if (syncDirection && status == kPMInvalidKey) status = noErr;
+  // A pane reports a key it found missing: reading a ticket without some of its keys, or
+  // removing an empty list's key that was never written. Neither leaves anything undone.
+  if (status == kPMInvalidKey) status = noErr;
   return result(status, "Sync");
 }
 

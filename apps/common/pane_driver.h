@@ -34,8 +34,8 @@ class PaneDriver {
   // The panel draws into `parent` and keeps its pages in `session`'s ticket.
   OSStatus initialize(print::Session* session, toolkit::Control* parent);
   OSStatus open();
-  // Writes the pane into the ticket (false) or reads it back (true). A read that found only
-  // some of the keys it looks for has still read what there was: it is no failure.
+  // Writes the pane into the ticket (false) or reads it back (true). A key the pane found
+  // missing (a fresh ticket, an empty list removed) is no failure.
   OSStatus sync(bool syncDirection);
   OSStatus close();
   OSStatus terminate(OSStatus status);

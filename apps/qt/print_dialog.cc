@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 #include <iostream>
 
+#include "panels/special_pages/special_pages_ids.h"
 #include "platform/print/cups_queue.h"
 #include "platform/print/framework_keys.h"
 #include "platform/print/job_options.h"
@@ -46,6 +47,9 @@ constexpr FrameworkButton kButtons[] = {
     {"Cancel", toolkit::kHICommandCancel, 90, true},
     {"Print", toolkit::kHICommandOK, 90, true},
 };
+std::vector<toolkit::EventTypeSpec> CommandEvents() {
+  return {{toolkit::kEventClassCommand, toolkit::kEventCommandProcess}};
+}
 constexpr std::int32_t kButtonRowHeight = 48;
 constexpr std::int32_t kMinimumFrameWidth = 640;
 // The pane size when the plug-in reports none.
@@ -72,9 +76,7 @@ PrintDialog::PrintDialog(DialogOptions options, QWidget* parent)
   buildButtons();
   // Installed before the plug-in's handlers, so it hears a command only when they let it
   // pass: a refused OK never gets here.
-  static const std::vector<toolkit::EventTypeSpec> kCommands = {
-      {toolkit::kEventClassCommand, toolkit::kEventCommandProcess}};
-  frame_->installHandler(kCommands, [this](toolkit::EventHandlerCallRef, toolkit::Event& event) {
+  frame_->installHandler(CommandEvents(), [this](toolkit::EventHandlerCallRef, toolkit::Event& event) {
     std::optional<toolkit::HICommand> command = event.command();
     return command ? this->command(command->commandID) : eventNotHandledErr;
   });
@@ -111,6 +113,16 @@ void PrintDialog::buildButtons() {
     button->setID({kFrameworkSignature, number++});
     if (entry.command == toolkit::kHICommandOK) frame_->setDefaultButton(button);
     if (entry.command == toolkit::kHICommandCancel) frame_->setCancelButton(button);
+    // The framework's help goes to the pane shown, which answers with its own page; without
+    // a pane it rises to the window as the other buttons' commands do.
+    if (entry.command == kHelpCommand)
+      button->installHandler(CommandEvents(), [this](toolkit::EventHandlerCallRef, toolkit::Event& event) {
+        std::optional<toolkit::HICommand> command = event.command();
+        if (!command || command->commandID != kHelpCommand || !panes_ || panes_->shown() < 0)
+          return eventNotHandledErr;
+        panes_->sendToShown(*command);
+        return noErr;  // it has gone up the window from the pane already
+      });
   }
   layoutButtons();
 }
@@ -185,6 +197,14 @@ QWidget* PrintDialog::makeFrameworkParts() {
   filesLayout->addWidget(choose);
   form->addRow(tr("Files:"), filesRow);
 
+  paneChooser_ = new QComboBox(parts);
+  paneChooser_->setAccessibleName(tr("Pane"));
+  form->addRow(tr("Pa&ne:"), paneChooser_);
+  panes_ = std::make_unique<PaneChooser>(paneChooser_);
+  connect(paneChooser_, &QComboBox::currentIndexChanged, this, [this](int index) {
+    if (const QString problem = panes_->show(index); !problem.isEmpty()) say(problem, true);
+  });
+
   connect(choose, &QPushButton::clicked, this, [this] { chooseFiles(); });
   connect(copies_, &QSpinBox::valueChanged, this, [this] { writeFrameworkSettings(); });
   connect(allPages_, &QRadioButton::toggled, this, [this] { writeFrameworkSettings(); });
@@ -201,7 +221,7 @@ QWidget* PrintDialog::makeFrameworkParts() {
     writeFrameworkSettings();
     // Panels read the orientation from the page format: let them see the new one, keeping
     // what the person chose in them.
-    if (driver_ && driver_->sync(false) == noErr) driver_->sync(true);
+    if (panes_->writeAll().isEmpty()) panes_->readAll();
   });
   return parts;
 }
@@ -243,6 +263,10 @@ void PrintDialog::listPrinters() {
 }
 
 void PrintDialog::closePlugIn() {
+  // A framework ends its own pane (the driver closes and terminates it) before the plug-in
+  // it came from.
+  panes_->clear();
+  specialPages_.reset();
   if (driver_) {
     driver_->close();
     driver_->terminate(userCanceledErr);
@@ -255,7 +279,9 @@ void PrintDialog::closePlugIn() {
     if (frame_->child(i)->id().signature != kFrameworkSignature && frame_->child(i) != pane_)
       leaving.push_back(frame_->child(i));
   for (Control* control : leaving) control->dispose();
+  specialArea_ = nullptr;
   while (pane_ && pane_->childCount() > 0) pane_->child(0)->dispose();
+  if (pane_) pane_->setVisible(true);
 }
 
 void PrintDialog::openPrinter(int index) {
@@ -336,7 +362,28 @@ bool PrintDialog::openPlugIn(QString* problem) {
     return false;
   }
   setWindowTitle(tr("Print — %1").arg(Q(ppd_.nickName)));
+  print::FrameworkDriver* plugIn = driver_.get();
+  panes_->add({Q(plugIn->prologueInfo().title), pane_, [plugIn](bool direction) { return plugIn->sync(direction); },
+               [plugIn] { return plugIn->error(); }});
+  openSpecialPages();
   return true;
+}
+
+void PrintDialog::openSpecialPages() {
+  // Over the plug-in's pane, in the same place, and hidden until it is chosen.
+  specialArea_ = frame_->embed(Control::create(ControlKind::UserPane, pane_->bounds()));
+  specialArea_->setVisible(false);
+  specialPages_ = std::make_unique<hosts::PaneDriver>();
+  hosts::PaneDriver& pane = *specialPages_;
+  if (pane.load(driver_->bundle(), panels::kSpecialPagesPanelGetter) != noErr || pane.prologue() != noErr ||
+      pane.initialize(session_.get(), specialArea_) != noErr || pane.open() != noErr) {
+    say(tr("The Special Pages pane is not offered: %1. The other Varno options work as usual; reinstall "
+           "the Varno printing package to get it back.").arg(Q(pane.error())), true);
+    specialPages_.reset();
+    return;
+  }
+  panes_->add({Q(pane.title()), specialArea_, [&pane](bool direction) { return pane.sync(direction); },
+               [&pane] { return pane.error(); }});
 }
 
 OSStatus PrintDialog::command(toolkit::MenuCommand command) {
@@ -382,8 +429,8 @@ void PrintDialog::writeFrameworkSettings() {
 
 bool PrintDialog::syncToTicket() {
   writeFrameworkSettings();
-  if (driver_ && driver_->sync(false) != noErr) {
-    say(tr("The Varno options could not be written: %1").arg(Q(driver_->error())), true);
+  if (const QString problem = panes_->writeAll(); !problem.isEmpty()) {
+    say(problem, true);
     return false;
   }
   return true;
@@ -473,8 +520,8 @@ void PrintDialog::loadSettings() {
   std::int32_t copies = 0;
   if (session_->printSettings().getNumber(print::kCopiesKey, copies) == noErr && copies > 0) copies_->setValue(copies);
   writeFrameworkSettings();
-  if (driver_ && driver_->sync(true) != noErr) {
-    say(tr("The settings were loaded, but the Varno options could not show them: %1").arg(Q(driver_->error())), true);
+  if (const QString problem = panes_->readAll(); !problem.isEmpty()) {
+    say(tr("The settings were loaded, but not shown whole. %1").arg(problem), true);
     return;
   }
   say(tr("Settings loaded from %1.").arg(answer.front()));

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The Print dialog: the printing framework's own parts (printer, copies, pages,
-// orientation, files, the buttons) around the plug-in's pane, which it loads for Varno
-// printers exactly as varno-print does and shows through a WindowRenderer.
+// orientation, files, the pane chooser, the buttons) around the plug-in's pane, which it
+// loads for Varno printers exactly as varno-print does and shows through a WindowRenderer,
+// and the Special Pages pane, which it loads from the same bundle by its getter as a
+// framework loads a pane of its own.
 #pragma once
 
 #include <QComboBox>
@@ -17,7 +19,9 @@
 
 #include "alert_boxes.h"
 #include "common/job_setup.h"
+#include "common/pane_driver.h"
 #include "modal_windows.h"
+#include "pane_chooser.h"
 #include "platform/print/framework_driver.h"
 #include "platform/print/session.h"
 #include "platform/toolkit/window.h"
@@ -56,6 +60,8 @@ class PrintDialog final : public QDialog {
   QComboBox* printerChooser() const { return printers_; }
   QSpinBox* copiesBox() const { return copies_; }
   QComboBox* orientationChooser() const { return orientation_; }
+  // The pop-up of the panes: the plug-in's, then the Special Pages pane.
+  QComboBox* paneChooser() const { return paneChooser_; }
   // The request id of the last job sent, 0 before any.
   int lastJob() const { return lastJob_; }
 
@@ -75,12 +81,14 @@ class PrintDialog final : public QDialog {
   void openPrinter(int index);
   void closePlugIn();
   bool openPlugIn(QString* problem);
+  // Opens the Special Pages pane beside the plug-in's and lists both in the pane chooser.
+  void openSpecialPages();
   void buildButtons();
   void layoutButtons();
   OSStatus command(toolkit::MenuCommand command);
   hosts::FrameworkSettings frameworkSettings() const;
   void writeFrameworkSettings();
-  // Writes the pane into the ticket; false, said in the status line, when it fails.
+  // Writes the panes into the ticket; false, said in the status line, when one fails.
   bool syncToTicket();
   // The pane written into the ticket, as CUPS job options; nullopt, said in the status line
   // after `failure`, when either step fails.
@@ -106,6 +114,10 @@ class PrintDialog final : public QDialog {
   std::unique_ptr<print::Session> session_;
   std::unique_ptr<print::FrameworkDriver> driver_;
   hosts::PPDDefaults ppd_;
+  // The Special Pages pane, in a user pane of its own over the plug-in's.
+  toolkit::Control* specialArea_ = nullptr;
+  std::unique_ptr<hosts::PaneDriver> specialPages_;
+  std::unique_ptr<PaneChooser> panes_;
 
   ModalWindows modal_;
   AlertBoxes alerts_;
@@ -117,6 +129,7 @@ class PrintDialog final : public QDialog {
   QSpinBox* firstPage_ = nullptr;
   QSpinBox* lastPage_ = nullptr;
   QComboBox* orientation_ = nullptr;
+  QComboBox* paneChooser_ = nullptr;
   QLabel* files_ = nullptr;
   QLabel* paneNote_ = nullptr;
   QLabel* status_ = nullptr;

@@ -517,8 +517,10 @@ void WindowRenderer::refreshList(toolkit::ListView& list) {
     row->setData(0, Qt::UserRole, QVariant::fromValue<qulonglong>(id));
     for (std::size_t c = 0; c < list.columns().size(); ++c) {
       std::string text;
-      if (list.cellText(id, list.columns()[c].property, &text) == noErr)
+      if (list.cellText(id, list.columns()[c].property, &text) == noErr) {
         row->setText(static_cast<int>(c), Q(text));
+        row->setToolTip(static_cast<int>(c), Q(text));  // the whole text of a cell cut short
+      }
     }
     rows.append(row);
   }

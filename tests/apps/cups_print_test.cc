@@ -217,6 +217,30 @@ TEST_F(CupsPrint, JobCarriesTheWholeTicketAndItsChoices) {
   ExpectJobCarries(run, ticket, true);
 }
 
+// 200 inserts and 200 exception ranges typed into the Special Pages pane's dialogs reach the
+// filter as the ticket varno-print saved, in many parts.
+TEST_F(CupsPrint, SpecialPagesMadeInThePaneTravelWithTheJob) {
+  std::string pages, ranges;
+  for (int i = 0; i < 200; ++i) {
+    pages += (i ? "," : "") + std::to_string(3 * i + 1);
+    ranges += (i ? "," : "") + std::to_string(3 * i + 2) + "-" + std::to_string(3 * i + 3);
+  }
+  const fs::path saved = scheduler_.root() / "special.plist";
+  const ProgramRun run = varnoPrint({"-P", kQueue, "--insert", pages + ":qty=2:,Blue,", "--exception", ranges + ":long",
+                                     "--save-ticket", saved, document_});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const print::Ticket ticket = LoadTicket(saved);
+  model::InsertList inserts;
+  model::ExceptionPageList exceptions;
+  ASSERT_EQ(model::ReadInsertList(ticket, inserts), noErr);
+  ASSERT_EQ(model::ReadExceptionList(ticket, exceptions), noErr);
+  ASSERT_EQ(inserts.count(), 200);
+  ASSERT_EQ(exceptions.count(), 200);
+  EXPECT_EQ(inserts.pageAtIndex(199)->startPage(), 598);
+  EXPECT_EQ(exceptions.pageAtIndex(199)->endPage(), 600);
+  ExpectJobCarries(run, ticket, true);
+}
+
 // A secure job's passcode reaches the printer inside the job-type item, and no log of the
 // run holds it: not varno-print's words (with -v), not the scheduler's logs.
 TEST_F(CupsPrint, APasscodeTravelsInTheJobAndInNoLog) {

@@ -53,6 +53,28 @@ std::optional<print::Ticket> PrintedTicket(const ProgramRun& run) {
   return ticket;
 }
 
+// A special page list of the ticket in short, as the Special Pages pane wrote it: each
+// page's start, "-END" for a range, "/N" its 2-sided value, "xN" a quantity above 1, "cN"
+// its paper colour.
+std::string SpecialPages(const print::Ticket& ticket, const char* key) {
+  plist::Array pages;
+  ticket.getArray(key, pages);
+  std::string text;
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    const plist::Dictionary page = pages[i].asDictionary() ? *pages[i].asDictionary() : plist::Dictionary{};
+    const int start = page.getNumber<int>("StartPage").value_or(-1);
+    text += (text.empty() ? "" : " ") + std::to_string(start);
+    if (const int end = page.getNumber<int>("EndPage").value_or(start); end != start) text += "-" + std::to_string(end);
+    if (const std::optional<int> plex = page.getNumber<int>("SidesImaged")) text += "/" + std::to_string(*plex);
+    if (const int quantity = page.getNumber<int>("Quantity").value_or(1); quantity != 1)
+      text += "x" + std::to_string(quantity);
+    const plist::Dictionary stock = page.getDictionary("Stock").value_or(plist::Dictionary{});
+    if (const std::optional<int> color = stock.getNumber<int>("Color"); color && *color >= 0)
+      text += "c" + std::to_string(*color);
+  }
+  return text;
+}
+
 TEST(VarnoPrint, DefaultRunPrintsTheSamplePrintersTicketAndSavedSessionsAreReused) {
   TempDir dir;
   ProgramRun run = VarnoPrint("", dir);
@@ -372,6 +394,84 @@ TEST(VarnoPrint, JobTypeSetUpsAreFilledInAsAPersonWould) {
   if (expected < localNow) expected += 86400;
   EXPECT_EQ(PrintedTicket(run)->dictionary("com.varno.print.JobType")->getNumber<long long>("DelayedPrintTime"),
             expected);
+}
+
+// The Special Pages pane's options, made in its dialogs in command-line order as a person
+// makes them; the dialogs' own alerts refuse what they cannot read.
+TEST(VarnoPrint, SpecialPagesAreMadeInTheSpecialPagesPaneInOrder) {
+  TempDir dir;
+  const std::string saved = (dir / "special.plist").string();
+  const struct {
+    std::string arguments;
+    int status;
+    const char* inserts;
+    const char* exceptions;
+    const char* said;
+  } cases[] = {
+      {"--exception 1-10 --exception 4-6:long", 0, "", "1-3 4-6/2 7-10", ""},
+      {"--insert 5,2,5", 0, "2 5 5", "", ""},
+      {"--insert before-1:qty=3:,Blue, --exception '2, 4-5:short' --exception 5:one", 0, "0x3c2", "2/3 4/3 5/1", ""},
+      {"--exception 0-3", 1, "", "", "--exception 0-3: Page numbers start at 1. Exception pages start at page 1."},
+      {"--exception 5-3", 1, "", "", "--exception 5-3: Range in the wrong order. A range must start at its lower page"},
+      {"--insert 3,,-", 1, "", "", "--insert 3,,-: No pages given. Type page numbers or ranges"},
+      {"--insert 3:A9", 2, "", "", "--insert 3:A9: no paper size \"A9\" here; the choices are: Use Job Setting, Letter,"},
+      {"--exception 3:short:,,SystemDefault", 2, "", "", "no paper type \"SystemDefault\" here; the choices are: Use Job Setting, Standard,"},
+      {"--insert 3:qty=0", 2, "", "", "--insert: \"3:qty=0\" is not PAGES|before-1[:qty=N][:SIZE,COLOR,TYPE]; the quantity"},
+      {"--exception 1-3a", 2, "", "", "takes digits, commas, dashes and blanks, not \"a\""},
+      {"--delete-special-pages 1", 2, "", "", "there is no row 1; the list has 0 row(s)"},
+      {kFolder + " --booklet fold,layout --insert 3", 1, "", "", "--insert 3: Inserts and exceptions cannot be added while"},
+  };
+  for (const auto& c : cases) {
+    std::filesystem::remove(saved);
+    ProgramRun run = VarnoPrint(c.arguments + " --save-ticket '" + saved + "'", dir);
+    EXPECT_EQ(run.status, c.status) << c.arguments << "\n" << run.all;
+    EXPECT_NE(run.all.find(c.said), std::string::npos) << run.all;
+    if (c.status != 0) continue;
+    std::string error;
+    std::optional<print::Ticket> ticket = print::Ticket::load(saved, &error);
+    ASSERT_TRUE(ticket) << error;
+    EXPECT_EQ(SpecialPages(*ticket, "com.varno.print.SpecialPages.InsertList"), c.inserts) << c.arguments;
+    EXPECT_EQ(SpecialPages(*ticket, "com.varno.print.SpecialPages.ExceptionList"), c.exceptions) << c.arguments;
+  }
+}
+
+// The pane's list, covers from the Paper/Output panel included, as --list-special-pages
+// prints it, and rows deleted by their place in it; the covers the pane keeps keep the
+// paper and printed sides the Paper/Output panel gave them.
+TEST(VarnoPrint, SpecialPagesAreListedAndDeletedByRow) {
+  TempDir dir;
+  const std::string made = "--covers both:,Blue,:front --exception 3-4:long --insert 3,7 --list-special-pages";
+  ProgramRun run = VarnoPrint(made, dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  EXPECT_EQ(run.out,
+            "Page(s)  Type       Attributes\n"
+            "Front    Cover      Blank or Preprinted\n"
+            "3-4      Exception  2-Sided (Long Edge)\n"
+            "3        Insert     Quantity [1]\n"
+            "7        Insert     Quantity [1]\n"
+            "Back     Cover      Blank or Preprinted\n");
+
+  const std::string saved = (dir / "deleted.plist").string();
+  run = VarnoPrint(made + " --delete-special-pages 4,1 --save-ticket '" + saved + "'", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  EXPECT_EQ(run.out,
+            "Page(s)  Type       Attributes\n"
+            "3-4      Exception  2-Sided (Long Edge)\n"
+            "3        Insert     Quantity [1]\n"
+            "Back     Cover      Blank or Preprinted\n");
+  std::string error;
+  std::optional<print::Ticket> ticket = print::Ticket::load(saved, &error);
+  ASSERT_TRUE(ticket) << error;
+  EXPECT_EQ(SpecialPages(*ticket, "com.varno.print.SpecialPages.InsertList"), "3");
+  EXPECT_FALSE(ticket->contains("com.varno.print.SpecialPages.FrontCover"));
+  EXPECT_EQ(ticket->ppdDictionary().getString("VNFrontCoverSheet"), "None");
+  const plist::Dictionary back = ticket->dictionary("com.varno.print.SpecialPages.BackCover").value_or(plist::Dictionary{});
+  EXPECT_EQ(back.getNumber<int>("SidesImaged"), 2);
+  EXPECT_EQ(back.getDictionary("Stock").value_or(plist::Dictionary{}).getNumber<int>("Color"), 2);
+
+  run = VarnoPrint(made + " --delete-special-pages all", dir);
+  ASSERT_EQ(run.status, 0) << run.all;
+  EXPECT_EQ(run.out, "Page(s)  Type  Attributes\n");
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include <QRadioButton>
 #include <QTimer>
 #include <QToolButton>
+#include <QTreeWidget>
 #include <deque>
 #include <memory>
 #include <QtTest>
@@ -25,11 +26,13 @@
 #include <random>
 
 #include "host/dialog_host.h"
+#include "model/special_pages_ticket.h"
 #include "panels/image_options/advanced_panel.h"
 #include "panels/image_options/image_options_panel.h"
 #include "panels/paper_output/delayed_print_setup.h"
 #include "panels/paper_output/paper_output_panel.h"
 #include "panels/paper_output/secure_print_setup.h"
+#include "panels/special_pages/special_pages_ids.h"
 #include "platform/plist/text.h"
 #include "platform/print/cups_queue.h"
 #include "platform/print/framework_keys.h"
@@ -269,6 +272,17 @@ class PrintDialogTest : public QObject {
   }
   void makeAllChoices() {
     for (const WindowChoice& choice : kWindowChoices) make(choice);
+  }
+  QAbstractButton* specialPagesButton(std::int32_t id) {
+    return qobject_cast<QAbstractButton*>(widget({panels::kSpecialPagesSignature, id}));
+  }
+  // The Special Pages list as "PAGE TYPE" rows.
+  QStringList specialPageRows() {
+    auto* list = qobject_cast<QTreeWidget*>(widget({panels::kSpecialPagesSignature, panels::kSpecialPagesListID}));
+    QStringList rows;
+    for (int i = 0; list && i < list->topLevelItemCount(); ++i)
+      rows << list->topLevelItem(i)->text(0) + " " + list->topLevelItem(i)->text(1);
+    return rows;
   }
   QString saveSettings(const QString& name) {
     const QString file = folder_.path() + "/" + name;
@@ -740,6 +754,86 @@ class PrintDialogTest : public QObject {
     QFile f(ticket);
     QVERIFY(f.open(QIODevice::ReadOnly));
     QCOMPARE(f.readAll(), before);
+  }
+
+  // The Special Pages pane beside the plug-in's: chosen in the pane chooser, it shows in the
+  // same place; the covers both panes keep go from one to the other through the ticket, and
+  // whichever pane is shown is written last, so what the person sees is what is saved.
+  void specialPagesPaneSharesTheTicket() {
+    open({.ppd = VARNO_SAMPLE_PPD});
+    QWidget* plugInPane = widget({host::kHostSignature, host::kSelectorID});
+    auto* paper = qobject_cast<QToolButton*>(widget({panels::kPaperOutputSignature, panels::kStockMenuButtonID}));
+    Steps steps;
+    struct Case {
+      bool inSpecialPages;  // the pane the covers are chosen in
+      const char* covers;
+      QStringList rows;  // the Special Pages list after
+    } cases[] = {
+        {false, "Front and Back Covers", {"Front Cover", "Back Cover"}},
+        {true, "Front Cover Only", {"Front Cover"}},
+        {false, "No Covers", {}},
+        {true, "Front Cover Only", {"Front Cover"}},
+    };
+    for (const Case& c : cases) {
+      ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(c.inSpecialPages ? 1 : 0));
+      QCOMPARE(plugInPane->isVisible(), !c.inSpecialPages);
+      QCOMPARE(specialPagesButton(panels::kAddCoversButtonID)->isVisible(), c.inSpecialPages);
+      if (!c.inSpecialPages) ScriptMenuChoice(steps, {"Covers…"});
+      steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this, c] {
+        ChooseByKeys(PopupOffering(ModalDialog(dialog_.get()), c.covers), c.covers);
+        ClickButton(ModalDialog(dialog_.get()), "OK");
+      });
+      QTest::mouseClick(c.inSpecialPages ? specialPagesButton(panels::kAddCoversButtonID) : paper, Qt::LeftButton);
+      QTRY_VERIFY(steps.done());
+      // Saved from the pane the choice was made in, while the other still holds the old covers.
+      const QString file = saveSettings("covers.plist");
+      QVERIFY2(QFileInfo::exists(file), qPrintable(dialog_->statusText()));
+      const print::Ticket saved = Load(file);
+      QCOMPARE(saved.item(model::kFrontCoverKey) != nullptr, !c.rows.empty());
+      QCOMPARE(saved.item(model::kBackCoverKey) != nullptr, c.rows.size() == 2);
+      ChooseByKeys(dialog_->paneChooser(), "Special Pages");
+      QCOMPARE(specialPageRows(), c.rows);
+    }
+
+    // Inserts after pages 2 and 5, and pages 3 to 4 printed on one side, typed into their
+    // dialogs; the plug-in's pane, shown and written last, keeps them in the ticket.
+    struct Typed {
+      std::int32_t button;
+      const char* pages;
+      const char* sides;  // the exception's 2-sided printing, or null
+      const char* photo;
+    } typed[] = {{panels::kAddInsertsButtonID, "2,5", nullptr, "dialog-inserts"},
+                 {panels::kAddExceptionsButtonID, "3-4", "Off", "dialog-exceptions"}};
+    for (const Typed& t : typed) {
+      steps.then([this] { return ModalDialog(dialog_.get()) != nullptr; }, [this, t] {
+        QWidget* modal = ModalDialog(dialog_.get());
+        QVERIFY(QTest::qWaitForWindowExposed(modal));
+        QTest::keyClicks(modal->findChildren<QLineEdit*>().front(), t.pages);  // the first field
+        if (t.sides) ChooseByKeys(PopupOffering(modal, t.sides), t.sides);
+        Photograph(modal, t.photo);
+        ClickButton(modal, "OK");
+      });
+      QTest::mouseClick(specialPagesButton(t.button), Qt::LeftButton);
+      QTRY_VERIFY(steps.done());
+    }
+    QCOMPARE(specialPageRows(), (QStringList{"Front Cover", "2 Insert", "3-4 Exception", "5 Insert"}));
+    Photograph(dialog_.get(), "pane-special-pages");
+    // Leaving the pane wrote them into the session's ticket; saving writes them again.
+    ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(0));
+    QVERIFY(dialog_->session()->printSettings().item(model::kInsertListKey));
+    const print::Ticket saved = Load(saveSettings("special.plist"));
+    for (auto [key, count] : {std::pair{model::kInsertListKey, 2}, std::pair{model::kExceptionListKey, 1}}) {
+      const print::Ticket::Item* list = saved.item(key);
+      QVERIFY2(list && list->value.asArray() && int(list->value.asArray()->size()) == count, key);
+    }
+
+    // The framework's help goes to the pane shown, which opens its own page.
+    for (auto [pane, page] : {std::pair{0, "/Help/index.html"}, std::pair{1, "/Special_Pages/m_special_pages.htm"}}) {
+      ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(pane));
+      urls_.clear();
+      QTest::mouseClick(button("?"), Qt::LeftButton);
+      QVERIFY2(urls_.size() == 1 && QString::fromStdString(urls_.back()).endsWith(page), page);
+    }
   }
 
   // Needs root and cupsd, as the printing test does (label cups).

@@ -20,6 +20,11 @@ struct Reader {
   std::int32_t first = 1;
   std::int32_t last = kLastPossiblePage;
 
+  // A number on its own is the one page it names.
+  OSStatus completePage() {
+    last = first;
+    return complete();
+  }
   OSStatus complete() {
     if (first > last) return kInvalidRangeOrder;
     if (asRanges) {
@@ -47,7 +52,7 @@ OSStatus Read(const char* text, Reader& reader) {
       }
       // "2 4": a number after a number closes the first as a page of its own.
       if (state == State::Number) {
-        if (OSStatus status = reader.complete(); status != noErr) return status;
+        if (OSStatus status = reader.completePage(); status != noErr) return status;
         state = State::Start;
       }
       if (state == State::Start) {
@@ -64,9 +69,10 @@ OSStatus Read(const char* text, Reader& reader) {
       state = state == State::Number ? State::NumberDash : State::Dash;
     } else if (c == ',' || c == '\0') {
       if (state == State::Dash) return kInvalidPageRanges;
-      if (state == State::Number || state == State::NumberDash) {
-        if (OSStatus status = reader.complete(); status != noErr) return status;
-      }
+      const OSStatus status = state == State::Number       ? reader.completePage()
+                              : state == State::NumberDash ? reader.complete()
+                                                           : noErr;
+      if (status != noErr) return status;
       state = State::Start;
       if (c == '\0') return reader.out->empty() ? kInvalidPageRanges : noErr;
     }

@@ -46,7 +46,13 @@ inline constexpr std::int32_t kInsertQuantityFieldID = 2003;
 inline constexpr std::int32_t kInsertPagesFieldID = 2004;
 inline constexpr std::int32_t kInsertStockButtonID = 2005;   // bevel button with the stock menu
 inline constexpr std::int32_t kInsertStockSummaryID = 2006;
+inline constexpr std::int32_t kInsertPagesLabelID = 2007;         // dimmed with the page field
+inline constexpr std::int32_t kInsertInstructionsLabelID = 2008;  // likewise
+inline constexpr std::int32_t kInsertOptionLabelID = 2009;
+inline constexpr std::int32_t kInsertQuantityLabelID = 2010;
+inline constexpr std::int32_t kInsertStockLabelID = 2011;
 inline constexpr toolkit::MenuCommand kInsertOptionCommand = MakeOSType("Iopt");
+inline constexpr toolkit::MenuCommand kInsertQuantityCommand = MakeOSType("Iqty");  // the arrows
 // Values of the insert option pop-up.
 inline constexpr std::int32_t kInsertAfterPage = 1;
 inline constexpr std::int32_t kInsertBeforePage1 = 2;
@@ -57,6 +63,9 @@ inline constexpr std::int32_t kExceptionStockButtonID = 3005;
 inline constexpr std::int32_t kExceptionStockSummaryID = 3006;
 inline constexpr std::int32_t kExceptionPlexPopupID = 3007;  // the PPD's "Duplex" choices
 inline constexpr std::int32_t kExceptionImageShiftButtonID = 3008;
+inline constexpr std::int32_t kExceptionPagesLabelID = 3009;
+inline constexpr std::int32_t kExceptionPlexLabelID = 3010;
+inline constexpr std::int32_t kExceptionStockLabelID = 3011;
 inline constexpr toolkit::MenuCommand kExceptionPlexCommand = MakeOSType("Eplx");
 
 // Both dialogs: OK "ok  ", Cancel "not!", Defaults "rvrt", Help this.
