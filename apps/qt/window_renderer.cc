@@ -518,8 +518,9 @@ void WindowRenderer::refreshList(toolkit::ListView& list) {
     for (std::size_t c = 0; c < list.columns().size(); ++c) {
       std::string text;
       if (list.cellText(id, list.columns()[c].property, &text) == noErr) {
-        row->setText(static_cast<int>(c), Q(text));
-        row->setToolTip(static_cast<int>(c), Q(text));  // the whole text of a cell cut short
+        const QString shown = Q(text);
+        row->setText(static_cast<int>(c), shown);
+        row->setToolTip(static_cast<int>(c), shown);  // the whole text of a cell cut short
       }
     }
     rows.append(row);
