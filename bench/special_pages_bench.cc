@@ -3,9 +3,10 @@
 // inserts and half exception pages, as a framework shows the panel (the built bundle
 // loaded by the framework driver, the panel's own table from its getter, its pane beside
 // the plug-in's). Measured: the list rebuilt by Sync from the ticket, the list rebuilt by
-// a button (moving an insert), and Sync to the ticket. Beside them, in the same run, what
-// the panel cannot do without: reading and writing the same lists with the model alone,
-// and the same calls on an empty panel (0 pages).
+// a button (moving an insert), Sync to the ticket, and pages added through the inserts and
+// exceptions dialogs run by the automation script. Beside them, in the same run, what the
+// panel cannot do without: reading, writing and adding the same pages with the model
+// alone, the list control alone, and the same calls on an empty panel (0 pages).
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -16,6 +17,7 @@
 #include "host/dialog_host.h"
 #include "model/special_page_lists.h"
 #include "model/special_pages_ticket.h"
+#include "panels/special_pages/page_ranges.h"
 #include "panels/special_pages/special_pages_ids.h"
 #include "platform/print/framework_driver.h"
 #include "platform/print/session.h"
@@ -243,6 +245,132 @@ void BM_ListViewReplaceRowsOnly(benchmark::State& state) {
   state.counters["rows"] = static_cast<double>(list->items().size());
 }
 
+// Adding through the dialogs --------------------------------------------------------------
+
+// "1,2,3,...,count": the pages a person enters into a dialog's page field.
+std::string PageText(std::int32_t count) {
+  std::string text;
+  for (std::int32_t page = 1; page <= count; ++page) {
+    if (page > 1) text += ',';
+    text += std::to_string(page);
+  }
+  return text;
+}
+
+struct DialogOfKind {
+  std::int32_t button, field;
+};
+constexpr DialogOfKind kInsertsDialog{panels::kAddInsertsButtonID, panels::kInsertPagesFieldID};
+constexpr DialogOfKind kExceptionsDialog{panels::kAddExceptionsButtonID, panels::kExceptionPagesFieldID};
+
+// Runs the dialog of `kind` from its button: `text` pasted (one event) or typed (one
+// event a character) into the page field, then OK. Empty when every step was taken.
+std::string AddThroughDialog(SpecialPagesPane& pane, DialogOfKind kind, const std::string& text, bool typed) {
+  toolkit::AutomationScript& script = toolkit::Application::shared().script();
+  script.clear();
+  if (typed) {
+    script.typeText({panels::kSpecialPagesSignature, kind.field}, text);
+  } else {
+    script.add("paste the pages", [&text, kind](toolkit::Window& window) {
+      toolkit::Control* field = window.findByID({panels::kSpecialPagesSignature, kind.field});
+      return field ? toolkit::PasteText(*field, text) : errUnknownControl;
+    });
+  }
+  script.sendCommand(toolkit::kHICommandOK);
+  if (pane.press(kind.button) != noErr) return "the dialog's button could not be pressed";
+  if (script.pending() != 0) return "the dialog closed before its steps were taken";
+  if (!script.failures().empty()) return script.failures().front();
+  return {};
+}
+
+// Puts the panel back as it was before the dialog, with the panel's own Undo.
+bool Undo(SpecialPagesPane& pane, std::size_t rows) {
+  return pane.press(panels::kUndoSpecialPagesButtonID) == noErr && pane.list().items().size() == rows;
+}
+
+// A person prepares a long job on an empty panel: all its pages entered at once, in one
+// dialog. Arguments: pages (99,999 at most: a page number has five digits), dialog (0
+// inserts, 1 exceptions), entry (0 pasted, 1 typed key by key). Undo after each run
+// empties the panel again, outside the timing.
+void BM_AddThroughDialog(benchmark::State& state) {
+  const std::int32_t pages = Pages(state);
+  const DialogOfKind kind = state.range(1) == 0 ? kInsertsDialog : kExceptionsDialog;
+  const bool typed = state.range(2) != 0;
+  const std::string text = PageText(pages);
+  SpecialPagesPane pane(Job(0));
+  if (!Opened(state, pane)) return;
+  for (auto _ : state) {
+    if (std::string failure = AddThroughDialog(pane, kind, text, typed); !failure.empty()) {
+      state.SkipWithError(failure.c_str());
+      return;
+    }
+    state.PauseTiming();
+    const bool added = pane.list().items().size() == static_cast<std::size_t>(pages);
+    const bool undone = Undo(pane, 0);
+    state.ResumeTiming();
+    if (!added || !undone) {
+      state.SkipWithError("the dialog did not add every page, or Undo did not take them out");
+      return;
+    }
+  }
+  state.counters["characters"] = static_cast<double>(text.size());
+}
+
+// What a person does next with a long job: one more insert, after page 1, on a panel
+// already holding the job's pages (0: an empty panel, the dialog's own cost).
+void BM_AddOneInsertThroughDialog(benchmark::State& state) {
+  SpecialPagesPane pane(Job(Pages(state)));
+  if (!Opened(state, pane)) return;
+  const std::size_t rows = pane.list().items().size();
+  const std::string text = "1";
+  for (auto _ : state) {
+    if (std::string failure = AddThroughDialog(pane, kInsertsDialog, text, false); !failure.empty()) {
+      state.SkipWithError(failure.c_str());
+      return;
+    }
+    state.PauseTiming();
+    const bool added = pane.list().items().size() == rows + 1;
+    const bool undone = Undo(pane, rows);
+    state.ResumeTiming();
+    if (!added || !undone) {
+      state.SkipWithError("the dialog did not add the insert, or Undo did not take it out");
+      return;
+    }
+  }
+  ReportRows(state, pane);
+}
+
+// The floor under adding through the inserts dialog: the same text read by the page
+// parser and the same inserts added to an empty list, with the model alone.
+void BM_ModelParsesAndAddsOnly(benchmark::State& state) {
+  const std::string text = PageText(Pages(state));
+  for (auto _ : state) {
+    std::vector<panels::PageRange> ranges;
+    if (panels::CreatePageRangesBySeparatingString(text.c_str(), false, &ranges) != noErr) {
+      state.SkipWithError("the page text was refused");
+      return;
+    }
+    std::vector<model::Insert> made(ranges.size());
+    std::vector<const model::SpecialPage*> added;
+    for (std::size_t i = 0; i < made.size(); ++i) {
+      made[i].setStartPage(ranges[i].firstPage);
+      added.push_back(&made[i]);
+    }
+    model::InsertList inserts;
+    inserts.add(added);
+    benchmark::DoNotOptimize(inserts.count());
+  }
+}
+
+// 1,000, 10,000 and 99,999 pages pasted into either dialog, and typed into the inserts dialog.
+void DialogPageCounts(benchmark::internal::Benchmark* bench) {
+  for (std::int64_t pages : {1000, 10000, 99999})
+    for (std::int64_t dialog : {0, 1}) bench->Args({pages, dialog, 0});
+  // Key by key costs the whole field's length a key; 99,999 pages would take minutes.
+  for (std::int64_t pages : {1000, 10000}) bench->Args({pages, 0, 1});
+  bench->ArgNames({"pages", "exceptions", "typed"})->Unit(benchmark::kMicrosecond);
+}
+
 // 0 (an empty panel), 1,000, 10,000 and 100,000 special pages.
 void PageCounts(benchmark::internal::Benchmark* bench) {
   bench->Arg(0)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
@@ -254,6 +382,9 @@ BENCHMARK(BM_SyncToTicket)->Apply(PageCounts);
 BENCHMARK(BM_ModelReadsListsOnly)->Apply(PageCounts);
 BENCHMARK(BM_ModelWritesListsOnly)->Apply(PageCounts);
 BENCHMARK(BM_ListViewReplaceRowsOnly)->Apply(PageCounts);
+BENCHMARK(BM_AddThroughDialog)->Apply(DialogPageCounts);
+BENCHMARK(BM_AddOneInsertThroughDialog)->Apply(PageCounts);
+BENCHMARK(BM_ModelParsesAndAddsOnly)->Arg(1000)->Arg(10000)->Arg(99999)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 
