@@ -16,6 +16,7 @@
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <algorithm>
 #include <deque>
 #include <memory>
 #include <QtTest>
@@ -38,6 +39,8 @@
 #include "platform/print/framework_keys.h"
 #include "platform/print/job_options.h"
 #include "platform/print/ticket.h"
+#include "platform/toolkit/automation.h"
+#include "platform/toolkit/list_view.h"
 #include "platform/toolkit/window.h"
 #include "print_dialog.h"
 #include "support/private_scheduler.h"
@@ -818,6 +821,31 @@ class PrintDialogTest : public QObject {
     }
     QCOMPARE(specialPageRows(), (QStringList{"Front Cover", "2 Insert", "3-4 Exception", "5 Insert"}));
     Photograph(dialog_.get(), "pane-special-pages");
+
+    // Rows clicked apart reach the panel, which then counts two rows; rows the panel
+    // selects, in a run and apart, are the rows the list shows selected.
+    auto* tree = qobject_cast<QTreeWidget*>(widget({panels::kSpecialPagesSignature, panels::kSpecialPagesListID}));
+    auto* list = toolkit::AsListView(
+        dialog_->frameWindow().findByID({panels::kSpecialPagesSignature, panels::kSpecialPagesListID}));
+    QVERIFY(tree && list);
+    auto click = [tree](int row, Qt::KeyboardModifiers keys) {
+      QTest::mouseClick(tree->viewport(), Qt::LeftButton, keys, tree->visualItemRect(tree->topLevelItem(row)).center());
+    };
+    click(1, {});
+    click(3, Qt::ControlModifier);
+    QCOMPARE(list->selection(), (std::vector{list->items()[1], list->items()[3]}));
+    QVERIFY(!specialPagesButton(panels::kEditSpecialPageButtonID)->isEnabled());
+    QVERIFY(specialPagesButton(panels::kDeleteSpecialPagesButtonID)->isEnabled());
+    auto shownSelected = [tree] {
+      QList<int> rows;
+      for (QTreeWidgetItem* row : tree->selectedItems()) rows << tree->indexOfTopLevelItem(row);
+      std::sort(rows.begin(), rows.end());
+      return rows;
+    };
+    QCOMPARE(shownSelected(), (QList<int>{1, 3}));
+    QCOMPARE(toolkit::SelectListItems(*list, std::vector{list->items()[3], list->items()[0], list->items()[1]}),
+             noErr);
+    QCOMPARE(shownSelected(), (QList<int>{0, 1, 3}));
     // Leaving the pane wrote them into the session's ticket; saving writes them again.
     ChooseByKeys(dialog_->paneChooser(), dialog_->paneChooser()->itemText(0));
     QVERIFY(dialog_->session()->printSettings().item(model::kInsertListKey));
