@@ -73,6 +73,9 @@ put("user_preferences_fuzzer", "preferences.plist", plistlib.dumps(
 put("user_preferences_fuzzer", "preferences.bplist", plistlib.dumps({"k": [1, 2]}, fmt=plistlib.FMT_BINARY))
 
 # Panel numbers: int64, double, decimals, min, max, allowed characters, pasted text.
+for name, text in [("list", "1,3-5"), ("open-start", "-3"), ("open-end", "7-"), ("blanks", "2 4"),
+                   ("backwards", "5-3"), ("two-dashes", "1--2"), ("too-long", "100000"), ("zero", "0-3")]:
+    put("page_ranges_fuzzer", name, text)
 put("panel_numbers_fuzzer", "digits", struct.pack("<q", 999999999999999) + struct.pack("<d", 12.345) +
     b"\x02\x00\x04" + b"\x0a0123456789" + b"12a4")
 put("panel_numbers_fuzzer", "negative", struct.pack("<q", -2**63) + struct.pack("<d", -0.5) + b"\x00\x03\x10" +

@@ -4,7 +4,6 @@
 // panel's list, where a new range wins over the older ones it meets.
 #include "panels/special_pages/exceptions_dialog.h"
 
-#include <array>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -12,11 +11,9 @@
 #include <vector>
 
 #include "panels/special_pages/page_ranges.h"
+#include "panels/special_pages/special_page_dialog.h"
 #include "panels/special_pages/special_pages_panel.h"
-#include "platform/toolkit/alerts.h"
-#include "platform/toolkit/character_set.h"
 #include "platform/toolkit/event.h"
-#include "platform/toolkit/interface_file.h"
 #include "platform/toolkit/window.h"
 #include "ui/panel_ui.h"
 #include "ui/stock_menus.h"
@@ -32,8 +29,6 @@ using toolkit::Control;
 using vocabulary::kUnsetValue;
 
 constexpr const char* kExceptionsHelpPage = "Special_Pages/Add_Exceptions/m_add_exceptions_page.htm";
-constexpr std::int16_t kOK = 1;
-constexpr std::int16_t kCancelled = 2;
 
 struct ExceptionsDialog {
   bundle::BundleRef bundle;
@@ -48,7 +43,7 @@ struct ExceptionsDialog {
   Control* stockButton = nullptr;
   Control* summary = nullptr;
   ui::StockMenuCommandEventHandlerData menuData;
-  std::int16_t result = kCancelled;
+  std::int16_t result = kSpecialPageDialogCancelled;
 };
 
 // OK needs a page range to read.
@@ -117,9 +112,7 @@ bool Accept(ExceptionsDialog& dialog) {
     dialog.window->setFocus(dialog.pagesField);
     return false;
   }
-  if (SpecialPagesContext* panel = specialPagesContext)
-    UpdateSpecialPagesSummary(panel->list, panel->frontCover.get(), panel->inserts.get(), panel->exceptions.get(),
-                              panel->backCover.get());
+  RebuildLiveSpecialPagesList();
   return true;
 }
 
@@ -139,26 +132,10 @@ OSStatus ExceptionsEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef 
     case toolkit::kHICommandRevert:
       DefaultExceptions(*dialog);
       return noErr;
-    case toolkit::kHICommandOK:
-      // A key equivalent reaches here even while OK is dimmed.
-      if (Control* ok = dialog->window->defaultButton(); ok && !ok->isEnabled()) {
-        toolkit::SysBeep(10);
-        return noErr;
-      }
-      if (Accept(*dialog)) {
-        dialog->result = kOK;
-        dialog->window->quitModalLoop();
-      }
-      return noErr;
-    case toolkit::kHICommandCancel:
-      dialog->result = kCancelled;
-      dialog->window->quitModalLoop();
-      return noErr;
-    case kSpecialPagesHelpCommand:
-      ui::DisplayHelpPage(dialog->bundle, kExceptionsHelpPage);
-      return noErr;
     default:
-      return eventNotHandledErr;
+      return HandleSpecialPageDialogButton(command->commandID, *dialog->window, dialog->bundle, kExceptionsHelpPage,
+                                           &dialog->result, [dialog] { return Accept(*dialog); })
+          .value_or(eventNotHandledErr);
   }
 }
 
@@ -195,17 +172,10 @@ void InitializeExceptionsDialog(ExceptionsDialog& dialog) {
   for (std::int32_t id : {kExceptionPagesLabelID, kExceptionPlexLabelID, kExceptionStockLabelID})
     ui::SetControlBestRect(window.findByID({kSpecialPagesSignature, id}), ui::kAlignRight | ui::kAlignTop, nullptr, nullptr);
   FillPlexPopup(dialog);
-  static const toolkit::CharacterSet kPageCharacters("0123456789, -");
-  ui::LimitInputLengthAndCharacters(dialog.pagesField, 0, 0, &kPageCharacters);
+  LimitToPageCharacters(dialog.pagesField);
 
-  dialog.menuData = {dialog.bundle, &dialog.working.stock(), nullptr, ui::kExceptionStockContext, dialog.summary,
-                     dialog.stockButton};
-  ui::PopulateStockMenu(dialog.stockButton->menu(), dialog.bundle, ui::kExceptionStockContext, &dialog.menuData);
-  static constexpr std::array<toolkit::EventTypeSpec, 2> kMenuEvents{{
-      {toolkit::kEventClassCommand, toolkit::kEventCommandProcess},
-      {toolkit::kEventClassMenu, toolkit::kEventMenuEnableItems},
-  }};
-  dialog.stockButton->installHandler(kMenuEvents, ui::StockMenuCommandEventHandler, &dialog.menuData);
+  InstallPageStockMenu(dialog.bundle, ui::kExceptionStockContext, &dialog.working.stock(), dialog.stockButton, dialog.summary,
+                       &dialog.menuData);
 
   if (dialog.mode == kSpecialPagesDialogEdit) {
     dialog.working = *dialog.edited;
@@ -213,13 +183,7 @@ void InitializeExceptionsDialog(ExceptionsDialog& dialog) {
   } else {
     DefaultExceptions(dialog);
   }
-  static constexpr std::array<toolkit::EventTypeSpec, 4> kEvents{{
-      {toolkit::kEventClassCommand, toolkit::kEventCommandProcess},
-      {ui::kPanelUICreator, ui::kInputStateEmpty},
-      {ui::kPanelUICreator, ui::kInputStateTooShort},
-      {ui::kPanelUICreator, ui::kInputStateLongEnough},
-  }};
-  window.installHandler(kEvents, ExceptionsEventHandler, &dialog);
+  InstallSpecialPageDialogHandler(window, ExceptionsEventHandler, &dialog);
   window.setFocus(dialog.pagesField);
 }
 
@@ -232,11 +196,8 @@ OSStatus RunModalExceptionsDialog(const bundle::BundleRef& bundle, std::int32_t 
   if (!bundle || !exceptions || !itemHit || (mode != kSpecialPagesDialogAdd && mode != kSpecialPagesDialogEdit) ||
       (mode == kSpecialPagesDialogEdit && !edited))
     return paramErr;
-  std::unique_ptr<toolkit::InterfaceFile> file;
   std::unique_ptr<toolkit::Window> window;
-  std::string error;
-  OSStatus status = toolkit::InterfaceFile::open(bundle, kSpecialPagesInterfaceFile, &file, &error);
-  if (status == noErr) status = file->createWindow("Exceptions", &window, &error);
+  OSStatus status = CreateSpecialPageWindow(bundle, "Exceptions", "RunModalExceptionsDialog", &window);
   ExceptionsDialog dialog;
   dialog.bundle = bundle;
   dialog.window = window.get();
@@ -244,10 +205,11 @@ OSStatus RunModalExceptionsDialog(const bundle::BundleRef& bundle, std::int32_t 
   dialog.jobLevelStock = jobLevelStock;
   dialog.exceptions = exceptions;
   dialog.edited = edited;
-  if (status == noErr) status = FindControls(dialog, &error);
-  if (status != noErr) {
+  std::string error;
+  if (status == noErr && (status = FindControls(dialog, &error)) != noErr)
     std::fprintf(stderr, "RunModalExceptionsDialog() failed (%d): %s\n", status, error.c_str());
-    *itemHit = kCancelled;
+  if (status != noErr) {
+    *itemHit = kSpecialPageDialogCancelled;
     return status;
   }
   InitializeExceptionsDialog(dialog);

@@ -3,7 +3,6 @@
 // changes); OK turns the typed pages into one insert each, all of that stock and quantity.
 #include "panels/special_pages/inserts_dialog.h"
 
-#include <array>
 #include <charconv>
 #include <cstdio>
 #include <memory>
@@ -13,11 +12,10 @@
 #include <vector>
 
 #include "panels/special_pages/page_ranges.h"
+#include "panels/special_pages/special_page_dialog.h"
 #include "panels/special_pages/special_pages_panel.h"
-#include "platform/toolkit/alerts.h"
 #include "platform/toolkit/character_set.h"
 #include "platform/toolkit/event.h"
-#include "platform/toolkit/interface_file.h"
 #include "platform/toolkit/window.h"
 #include "ui/panel_ui.h"
 #include "ui/stock_menus.h"
@@ -33,8 +31,6 @@ using toolkit::Control;
 constexpr std::int32_t kMinQuantity = 1;
 constexpr std::int32_t kMaxQuantity = 9999999;
 constexpr const char* kInsertsHelpPage = "Special_Pages/Add_Inserts/m_add_inserts_page.htm";
-constexpr std::int16_t kOK = 1;
-constexpr std::int16_t kCancelled = 2;
 
 struct InsertsDialog {
   bundle::BundleRef bundle;
@@ -53,7 +49,7 @@ struct InsertsDialog {
   Control* stockButton = nullptr;
   Control* summary = nullptr;
   ui::StockMenuCommandEventHandlerData menuData;
-  std::int16_t result = kCancelled;
+  std::int16_t result = kSpecialPageDialogCancelled;
 };
 
 // The number in the field, or nullopt when it is empty or too long for an int32 (the
@@ -143,15 +139,12 @@ bool Accept(InsertsDialog& dialog) {
     made[i].setQuantity(dialog.quantitySpin->value());
     added.push_back(&made[i]);
   }
-  SpecialPagesContext* panel = specialPagesContext;
-  if (panel) SaveUndoState(panel);
+  if (specialPagesContext) SaveUndoState(specialPagesContext);
   if (dialog.mode == kSpecialPagesDialogEdit)
     dialog.inserts->update(*dialog.edited, added);
   else
     dialog.inserts->add(added);
-  if (panel)
-    UpdateSpecialPagesSummary(panel->list, panel->frontCover.get(), panel->inserts.get(), panel->exceptions.get(),
-                              panel->backCover.get());
+  RebuildLiveSpecialPagesList();
   return true;
 }
 
@@ -180,26 +173,10 @@ OSStatus InsertsEventHandler(toolkit::EventHandlerCallRef, toolkit::EventRef eve
     case toolkit::kHICommandRevert:
       DefaultInserts(*dialog);
       return noErr;
-    case toolkit::kHICommandOK:
-      // A key equivalent reaches here even while OK is dimmed.
-      if (Control* ok = dialog->window->defaultButton(); ok && !ok->isEnabled()) {
-        toolkit::SysBeep(10);
-        return noErr;
-      }
-      if (Accept(*dialog)) {
-        dialog->result = kOK;
-        dialog->window->quitModalLoop();
-      }
-      return noErr;
-    case toolkit::kHICommandCancel:
-      dialog->result = kCancelled;
-      dialog->window->quitModalLoop();
-      return noErr;
-    case kSpecialPagesHelpCommand:
-      ui::DisplayHelpPage(dialog->bundle, kInsertsHelpPage);
-      return noErr;
     default:
-      return eventNotHandledErr;
+      return HandleSpecialPageDialogButton(command->commandID, *dialog->window, dialog->bundle, kInsertsHelpPage,
+                                           &dialog->result, [dialog] { return Accept(*dialog); })
+          .value_or(eventNotHandledErr);
   }
 }
 
@@ -230,22 +207,15 @@ void InitializeInsertsDialog(InsertsDialog& dialog) {
     ui::SetControlBestRect(window.findByID({kSpecialPagesSignature, id}), ui::kAlignRight | ui::kAlignTop, nullptr, nullptr);
   vocabulary::PopulatePopupButtonFromMap(dialog.bundle, dialog.optionPopup, vocabulary::InsertOptionMap, false,
                                          kInsertOptionCommand);
-  static const toolkit::CharacterSet kPageCharacters("0123456789, -");
   static const toolkit::CharacterSet kDigits("0123456789");
-  ui::LimitInputLengthAndCharacters(dialog.pagesField, 0, 0, &kPageCharacters);
+  LimitToPageCharacters(dialog.pagesField);
   ui::LimitInputLengthAndCharacters(dialog.quantityField, 0, ui::CountDigits(kMaxQuantity), &kDigits);
   dialog.quantitySpin->setMinimum(kMinQuantity);
   dialog.quantitySpin->setMaximum(kMaxQuantity);
   dialog.quantitySpin->setCommand(kInsertQuantityCommand);
 
-  dialog.menuData = {dialog.bundle, &dialog.working.stock(), nullptr, ui::kInsertStockContext, dialog.summary,
-                     dialog.stockButton};
-  ui::PopulateStockMenu(dialog.stockButton->menu(), dialog.bundle, ui::kInsertStockContext, &dialog.menuData);
-  static constexpr std::array<toolkit::EventTypeSpec, 2> kMenuEvents{{
-      {toolkit::kEventClassCommand, toolkit::kEventCommandProcess},
-      {toolkit::kEventClassMenu, toolkit::kEventMenuEnableItems},
-  }};
-  dialog.stockButton->installHandler(kMenuEvents, ui::StockMenuCommandEventHandler, &dialog.menuData);
+  InstallPageStockMenu(dialog.bundle, ui::kInsertStockContext, &dialog.working.stock(), dialog.stockButton, dialog.summary,
+                       &dialog.menuData);
 
   if (dialog.mode == kSpecialPagesDialogEdit) {
     dialog.working = *dialog.edited;
@@ -255,13 +225,7 @@ void InitializeInsertsDialog(InsertsDialog& dialog) {
   } else {
     DefaultInserts(dialog);
   }
-  static constexpr std::array<toolkit::EventTypeSpec, 4> kEvents{{
-      {toolkit::kEventClassCommand, toolkit::kEventCommandProcess},
-      {ui::kPanelUICreator, ui::kInputStateEmpty},
-      {ui::kPanelUICreator, ui::kInputStateTooShort},
-      {ui::kPanelUICreator, ui::kInputStateLongEnough},
-  }};
-  window.installHandler(kEvents, InsertsEventHandler, &dialog);
+  InstallSpecialPageDialogHandler(window, InsertsEventHandler, &dialog);
   if (dialog.pagesField->isEnabled()) window.setFocus(dialog.pagesField);
 }
 
@@ -272,11 +236,8 @@ OSStatus RunModalInsertsDialog(const bundle::BundleRef& bundle, std::int32_t mod
   if (!bundle || !inserts || !itemHit || (mode != kSpecialPagesDialogAdd && mode != kSpecialPagesDialogEdit) ||
       (mode == kSpecialPagesDialogEdit && !edited))
     return paramErr;
-  std::unique_ptr<toolkit::InterfaceFile> file;
   std::unique_ptr<toolkit::Window> window;
-  std::string error;
-  OSStatus status = toolkit::InterfaceFile::open(bundle, kSpecialPagesInterfaceFile, &file, &error);
-  if (status == noErr) status = file->createWindow("Inserts", &window, &error);
+  OSStatus status = CreateSpecialPageWindow(bundle, "Inserts", "RunModalInsertsDialog", &window);
   InsertsDialog dialog;
   dialog.bundle = bundle;
   dialog.window = window.get();
@@ -284,10 +245,11 @@ OSStatus RunModalInsertsDialog(const bundle::BundleRef& bundle, std::int32_t mod
   dialog.jobLevelStock = jobLevelStock;
   dialog.inserts = inserts;
   dialog.edited = edited;
-  if (status == noErr) status = FindControls(dialog, &error);
-  if (status != noErr) {
+  std::string error;
+  if (status == noErr && (status = FindControls(dialog, &error)) != noErr)
     std::fprintf(stderr, "RunModalInsertsDialog() failed (%d): %s\n", status, error.c_str());
-    *itemHit = kCancelled;
+  if (status != noErr) {
+    *itemHit = kSpecialPageDialogCancelled;
     return status;
   }
   InitializeInsertsDialog(dialog);
