@@ -29,7 +29,7 @@ std::string document;
 void TimeCommand(benchmark::State& state, const std::vector<std::string>& command) {
   for (auto _ : state) {
     const auto start = std::chrono::steady_clock::now();
-    const varno::testing::ProgramRun run = scheduler->run(command, false);
+    const varno::testing::ProgramRun run = scheduler->run(command);
     const auto end = std::chrono::steady_clock::now();
     if (run.status != 0) {
       state.SkipWithError((command.front() + " failed").c_str());
